@@ -1,0 +1,13 @@
+// keel.h - every public header of keel.
+#ifndef KEEL_H
+#define KEEL_H
+
+#include "keel_config.h"
+
+#include "SYS_CodePage.h"
+#include "SYS_String.h"
+#include "SYS_Scan.h"
+
+#include "SSM_Assert.h"
+
+#endif // KEEL_H

@@ -1,0 +1,40 @@
+#!/usr/bin/env bash
+# Builds and runs keel.  Usage: tools/keel.sh demo | test | asan | bench
+#   demo  build and run keel-demo (the default preset)
+#   test  build and run the whole test suite (the default preset)
+#   asan  the test suite under AddressSanitizer and UndefinedBehaviorSanitizer
+#   bench build and run the benchmarks
+# Installs the Debian packages the build needs when they are missing.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+need=()
+for p in cmake g++ make libgtest-dev libgmock-dev libbenchmark-dev; do
+    dpkg -s "$p" >/dev/null 2>&1 || need+=("$p")
+done
+if [ ${#need[@]} -gt 0 ]; then
+    echo "keel: installing ${need[*]}"
+    sudo=""
+    [ "$(id -u)" -eq 0 ] || sudo="sudo"
+    $sudo apt-get update -qq
+    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq "${need[@]}"
+fi
+
+case "${1:-test}" in
+demo)
+    cmake --preset default >/dev/null
+    cmake --build --preset default --target keel-demo
+    ./build/default/examples/keel-demo
+    ;;
+test) cmake --workflow --preset default ;;
+asan) cmake --workflow --preset asan ;;
+bench)
+    cmake --preset default >/dev/null
+    cmake --build --preset default --target keel-bench
+    ./build/default/bench/keel-bench
+    ;;
+*)
+    echo "usage: $0 demo|test|asan|bench" >&2
+    exit 2
+    ;;
+esac
