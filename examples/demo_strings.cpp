@@ -4,7 +4,7 @@
 
 #include <cstdio>
 
-void DemoStrings() {
+KEEL_DEMO_STEP(10, "Strings and number scanning") {
     SYS_StringBase path("boards/panel_A/top.gbr");
     std::printf("path                      : %s (%d bytes)\n", path.GetString(), path.GetLength());
     int slash = path.ReverseFindOneOf("/", -2);
