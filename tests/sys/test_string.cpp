@@ -34,9 +34,10 @@ TEST(String, ConstructionKeepsOrDropsBytesAsStated) {
     EXPECT_EQ(Bytes(s), "q");
     s = static_cast<const char*>(nullptr);
     EXPECT_EQ(s.IsEmpty(), 1);
-    s = s; // self-assignment keeps the text
+    SYS_StringBase& alias = s;
+    s = alias; // self-assignment keeps the text
     s = "abc";
-    s = s;
+    s = alias;
     EXPECT_EQ(Bytes(s), "abc");
 }
 
@@ -117,8 +118,9 @@ TEST(String, ValueParsesTheStartAndReportsTheEnd) {
     EXPECT_STREQ(end, "mm");
 
     int i = 1;
-    EXPECT_EQ(SYS_StringBase("x").Value(&i, &end), 0);
-    EXPECT_STREQ(end, "x");
+    SYS_StringBase x("x");
+    EXPECT_EQ(x.Value(&i, &end), 0);
+    EXPECT_EQ(end, x.GetString());
     EXPECT_EQ(SYS_StringBase("99999999999").Value(&i, nullptr), 2147483647);
     EXPECT_EQ(SYS_StringBase("-99999999999").Value(&l, nullptr), -2147483647L - 1);
 
@@ -132,7 +134,8 @@ TEST(String, ValueParsesTheStartAndReportsTheEnd) {
     EXPECT_EQ(SYS_StringBase("+7").Value(&ui, nullptr), 7u);
 
     double d = 0;
-    EXPECT_DOUBLE_EQ(SYS_StringBase("1.5e3x").Value(&d, &end), 1500.0);
+    SYS_StringBase e("1.5e3x");
+    EXPECT_DOUBLE_EQ(e.Value(&d, &end), 1500.0);
     EXPECT_STREQ(end, "x");
     float f = 0;
     EXPECT_FLOAT_EQ(SYS_StringBase("0.1").Value(&f, nullptr), 0.1f);
