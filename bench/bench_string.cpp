@@ -39,7 +39,8 @@ static void BM_Std_FindFirstOf(benchmark::State& state) {
 BENCHMARK(BM_Std_FindFirstOf)->Arg(1000);
 
 static void BM_Keel_NaturalCompare(benchmark::State& state) {
-    for (auto _ : state) benchmark::DoNotOptimize(_tcsnumcmp("layer_top_0012_copper", "layer_top_12_copper"));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(_tcsnumcmp("layer_top_0012_copper", "layer_top_12_copper"));
 }
 BENCHMARK(BM_Keel_NaturalCompare);
 

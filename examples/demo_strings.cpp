@@ -8,7 +8,8 @@ KEEL_DEMO_STEP(10, "Strings and number scanning") {
     SYS_StringBase path("boards/panel_A/top.gbr");
     std::printf("path                      : %s (%d bytes)\n", path.GetString(), path.GetLength());
     int slash = path.ReverseFindOneOf("/", -2);
-    std::printf("last separator at         : %d -> file '%s'\n", slash, path.Mid(slash + 1).GetString());
+    std::printf("last separator at         : %d -> file '%s'\n", slash,
+                path.Mid(slash + 1).GetString());
     int dot = path.ReverseFind('.', -2);
     std::printf("extension                 : '%s'\n", path.Mid(dot + 1).GetString());
 

@@ -17,8 +17,8 @@ enum SSM_FailureType {
 
 // Reports a failure.  Returns 1 to continue, 0 when the caller is to call
 // SSM_Throw (always 0 without a manager).  errno is left as it was.
-KEEL_API int SSM_AssertFailed(const char* message, const char* file, int line,
-                              SSM_FailureType type, int id);
+KEEL_API int SSM_AssertFailed(const char* message, const char* file, int line, SSM_FailureType type,
+                              int id);
 
 // Throws the manager's pending assertion exception, if any.
 KEEL_API void SSM_Throw();

@@ -134,12 +134,20 @@ KEEL_API SYS_StringBase operator+(const SYS_StringBase& a, char b);
 KEEL_API SYS_StringBase operator+(char a, const SYS_StringBase& b);
 
 // Ordering is the sign of Compare (multibyte character order).
-inline bool operator==(const SYS_StringBase& a, const SYS_StringBase& b) { return a.Compare(b) == 0; }
-inline bool operator!=(const SYS_StringBase& a, const SYS_StringBase& b) { return a.Compare(b) != 0; }
+inline bool operator==(const SYS_StringBase& a, const SYS_StringBase& b) {
+    return a.Compare(b) == 0;
+}
+inline bool operator!=(const SYS_StringBase& a, const SYS_StringBase& b) {
+    return a.Compare(b) != 0;
+}
 inline bool operator<(const SYS_StringBase& a, const SYS_StringBase& b) { return a.Compare(b) < 0; }
 inline bool operator>(const SYS_StringBase& a, const SYS_StringBase& b) { return a.Compare(b) > 0; }
-inline bool operator<=(const SYS_StringBase& a, const SYS_StringBase& b) { return a.Compare(b) <= 0; }
-inline bool operator>=(const SYS_StringBase& a, const SYS_StringBase& b) { return a.Compare(b) >= 0; }
+inline bool operator<=(const SYS_StringBase& a, const SYS_StringBase& b) {
+    return a.Compare(b) <= 0;
+}
+inline bool operator>=(const SYS_StringBase& a, const SYS_StringBase& b) {
+    return a.Compare(b) >= 0;
+}
 inline bool operator==(const SYS_StringBase& a, const char* b) { return a.Compare(b) == 0; }
 inline bool operator!=(const SYS_StringBase& a, const char* b) { return a.Compare(b) != 0; }
 inline bool operator<(const SYS_StringBase& a, const char* b) { return a.Compare(b) < 0; }
@@ -160,7 +168,9 @@ KEEL_API bool operator==(const unsigned short* w, const SYS_StringBase& a);
 KEEL_API bool operator!=(const unsigned short* w, const SYS_StringBase& a);
 
 // A string equals a character when it is exactly that one byte.
-inline bool operator==(const SYS_StringBase& a, char c) { return a.GetLength() == 1 && a.GetAt(0) == c; }
+inline bool operator==(const SYS_StringBase& a, char c) {
+    return a.GetLength() == 1 && a.GetAt(0) == c;
+}
 inline bool operator!=(const SYS_StringBase& a, char c) { return !(a == c); }
 inline bool operator==(char c, const SYS_StringBase& a) { return a == c; }
 inline bool operator!=(char c, const SYS_StringBase& a) { return !(a == c); }

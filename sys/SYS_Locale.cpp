@@ -24,11 +24,16 @@ std::string Normalised(const std::string& name) {
 // The iconv name of the code page in force.
 std::string TargetCharset() {
     switch (SYS_GetCodePage()) {
-    case 932: return "CP932";
-    case 936: return "CP936";
-    case 949: return "CP949";
-    case 950: return "CP950";
-    default: break;
+    case 932:
+        return "CP932";
+    case 936:
+        return "CP936";
+    case 949:
+        return "CP949";
+    case 950:
+        return "CP950";
+    default:
+        break;
     }
     std::string cs = SYS_LocaleCharset();
     return cs.empty() ? std::string("UTF-8") : cs;

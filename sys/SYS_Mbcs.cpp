@@ -16,11 +16,17 @@ void FillLeadBytes(CodePageState& st, int cp) {
     for (bool& b : st.lead) b = false;
     int lo1 = 0, hi1 = -1, lo2 = 0, hi2 = -1;
     switch (cp) {
-    case 932: lo1 = 0x81, hi1 = 0x9F, lo2 = 0xE0, hi2 = 0xFC; break;
+    case 932:
+        lo1 = 0x81, hi1 = 0x9F, lo2 = 0xE0, hi2 = 0xFC;
+        break;
     case 936:
     case 949:
-    case 950: lo1 = 0x81, hi1 = 0xFE; break;
-    default: cp = 0; break;
+    case 950:
+        lo1 = 0x81, hi1 = 0xFE;
+        break;
+    default:
+        cp = 0;
+        break;
     }
     for (int b = lo1; b <= hi1; ++b) st.lead[b] = true;
     for (int b = lo2; b <= hi2; ++b) st.lead[b] = true;

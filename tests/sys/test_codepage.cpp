@@ -62,8 +62,16 @@ TEST_F(CodePage932, ComparisonTakesWholeCharacters) {
     SYS_SetCodePage(0);
     EXPECT_LT(SYS_StringBase("\x81\x40").Compare("\xA1"), 0);
     SYS_SetCodePage(932);
-    EXPECT_LT(_tcsnumcmp("\x82\x61" "1", "\x82\x61" "2"), 0);
-    EXPECT_EQ(_tcsnumcmp("\x82\x61" "01", "\x82\x61" "1"), 0);
+    EXPECT_LT(_tcsnumcmp("\x82\x61"
+                         "1",
+                         "\x82\x61"
+                         "2"),
+              0);
+    EXPECT_EQ(_tcsnumcmp("\x82\x61"
+                         "01",
+                         "\x82\x61"
+                         "1"),
+              0);
     EXPECT_EQ(isdecinteger("1\x82\x4F"), 0);
 }
 
