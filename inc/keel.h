@@ -8,6 +8,13 @@
 #include "SYS_String.h"
 #include "SYS_Scan.h"
 
+#include "SYS_Exception.h"
+#include "SYS_Resource.h"
+
+#include "SCC_Event.h"
 #include "SSM_Assert.h"
+#include "SSM.h"
+
+#include "SCC_List.h"
 
 #endif // KEEL_H

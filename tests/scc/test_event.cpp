@@ -1,0 +1,243 @@
+// Tests of the notification chains: order, re-entrancy, moving copies.
+#include "SCC_Event.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+std::string g_log;
+
+// A listener that logs its name and then runs an optional action.
+struct Rec : SCC_EventNode<int> {
+    char name;
+    std::function<void()> action;
+    explicit Rec(char n) : name(n) {}
+    int OnNotification(int, int*) override {
+        g_log += name;
+        if (action) action();
+        return 7;
+    }
+};
+
+int LogA(int, int*) { return g_log += 'a', 0; }
+int LogB(int, int*) { return g_log += 'b', 0; }
+int LogC(int, int*) { return g_log += 'c', 0; }
+
+std::string Deliver(SCC_Event<int>& ev) {
+    g_log.clear();
+    EXPECT_EQ(0, ev.Notify(0, nullptr));
+    EXPECT_EQ(nullptr, ev.root); // the cursor stack is empty again
+    return g_log;
+}
+
+bool Detached(SCC_EventNode<int>& n) {
+    return n.GetRoot() == nullptr && n.prev == &n && n.next == &n;
+}
+
+SCC_EventHook<int>& Hook(SCC_EventHook<int>& h, int (*cb)(int, int*), long prio) {
+    h.SetCallback(cb);
+    h.SetPriority(prio);
+    return h;
+}
+
+struct Obj {
+    int seen = 0;
+    int Handle(int code, int* data) { return seen = code * 100 + *data; }
+};
+
+} // namespace
+
+TEST(Event, EnableAndPriorityOrder) {
+    SCC_Event<int> ev;
+    EXPECT_EQ("", Deliver(ev));
+    SCC_EventHook<int> h1, h2, h3;
+    Hook(h1, LogA, 5).Attach(&ev), Hook(h2, LogB, 10).Attach(&ev), Hook(h3, LogC, 5).Attach(&ev);
+    EXPECT_EQ("bca", Deliver(ev)); // 10, then the newer 5, then the older 5
+
+    // Plain nodes report the top priority: a lower hook never goes ahead of
+    // them, an equal one does.  Append puts a node at the tail regardless.
+    Rec p('P'), t('T');
+    p.InsertBefore(ev.next);
+    p.root = &ev;
+    h1.SetPriority(20);
+    h1.Attach(&ev); // re-attaching moves the hook
+    h3.SetPriority(0x7FFFFFFFL);
+    h3.Attach(&ev);
+    ev.Append(&t);
+    EXPECT_EQ(&ev, t.GetRoot());
+    EXPECT_EQ("cPabT", Deliver(ev));
+
+    EXPECT_EQ(1, ev.Enable(0));
+    EXPECT_EQ("", Deliver(ev));
+    EXPECT_EQ(0, ev.Enable(1));
+    p.action = [&] { ev.Enable(0); }; // stops before the next node
+    EXPECT_EQ("cP", Deliver(ev));
+
+    h1.Attach(nullptr);
+    EXPECT_TRUE(Detached(h1));
+    ev.Append(nullptr);
+}
+
+TEST(Event, DetachDuringDelivery) {
+    SCC_Event<int> ev;
+    Rec a('A'), b('B'), c('C'), d('D');
+    auto chain = [&] { ev.Append(&a), ev.Append(&b), ev.Append(&c); };
+
+    chain();
+    a.action = [&] { b.Remove(); };
+    EXPECT_EQ("AC", Deliver(ev));
+    EXPECT_TRUE(Detached(b));
+
+    chain();
+    a.action = [&] { a.Remove(); };
+    EXPECT_EQ("AC", Deliver(ev)); // the successor of a self-detaching node is skipped once
+
+    a.action = nullptr;
+    chain();
+    c.action = [&] { c.Remove(); };
+    EXPECT_EQ("ABCAB", Deliver(ev)); // the last node leaving wraps the delivery round
+
+    c.action = nullptr;
+    chain();
+    b.action = [&] { ev.RemoveAll(); };
+    EXPECT_EQ("AB", Deliver(ev));
+    EXPECT_TRUE(Detached(a) && Detached(c));
+
+    // A nested delivery runs the whole chain before the outer one resumes,
+    // and a removal inside it moves the outer cursor too.
+    chain();
+    ev.Append(&d);
+    int depth = 0;
+    b.action = [&] {
+        if (depth++ == 0) ev.Notify(0, nullptr);
+    };
+    EXPECT_EQ("ABABCDCD", Deliver(ev));
+    depth = 0;
+    a.action = [&] {
+        if (depth == 1) b.Remove();
+    };
+    EXPECT_EQ("ABACDD", Deliver(ev));
+
+    // A throwing node pops the cursor; the exception passes on.
+    a.action = [] { throw std::runtime_error("x"); };
+    EXPECT_THROW(ev.Notify(0, nullptr), std::runtime_error);
+    EXPECT_EQ(nullptr, ev.root);
+}
+
+TEST(Event, DestructionDetaches) {
+    SCC_EventHook<int> h1, h2;
+    {
+        SCC_Event<int> ev;
+        h1.Attach(&ev), h2.Attach(&ev);
+        {
+            SCC_EventHook<int> gone;
+            Hook(gone, LogA, 0).Attach(&ev);
+        }
+        EXPECT_EQ(&h2, ev.next);
+        EXPECT_EQ(&h1, h2.next);
+        EXPECT_EQ(&h1, ev.prev);
+    }
+    EXPECT_TRUE(Detached(h1) && Detached(h2));
+}
+
+TEST(Event, CopiesMoveTheChain) {
+    SCC_Event<int> src;
+    Rec a('A'), b('B');
+    src.Append(&a), src.Append(&b);
+    src.Enable(0);
+    SCC_Event<int> moved(src);
+    EXPECT_EQ(0, moved.enabled); // the copy takes `enabled`...
+    moved.Enable(1);
+    EXPECT_EQ("", Deliver(src));
+    EXPECT_EQ("AB", Deliver(moved));
+    EXPECT_EQ(&src, a.GetRoot()); // ...and leaves the roots naming the source
+
+    SCC_Event<int> target;
+    Rec t('T');
+    target.Append(&t);
+    moved.Enable(0);
+    target = moved;
+    EXPECT_TRUE(Detached(t));
+    EXPECT_EQ(1, target.enabled);    // assignment keeps its own `enabled`...
+    EXPECT_EQ(&target, b.GetRoot()); // ...and renames the roots
+    EXPECT_EQ("", Deliver(moved));
+    SCC_Event<int>& self = target;
+    target = self;
+    EXPECT_EQ("AB", Deliver(target));
+
+    // Detaching from a copy whose roots name another event still ends.
+    SCC_Event<int> again(target);
+    a.action = [&] { a.Remove(); };
+    EXPECT_EQ("A", Deliver(again));
+}
+
+// Records whether OnRemoveNode sees the node still linked.
+struct WatchEvent : SCC_Event<int> {
+    std::string seen;
+    void OnRemoveNode(SCC_EventNode<int>* node) override {
+        seen += node->prev->next == node ? 'L' : 'U';
+        SCC_Event<int>::OnRemoveNode(node);
+    }
+};
+
+TEST(Event, NodeCopyIsShallowAndAssignmentInserts) {
+    WatchEvent ev;
+    Rec a('A'), b('B'), c('C');
+    ev.Append(&a), ev.Append(&b), ev.Append(&c);
+
+    Rec copy(b); // not reached: the neighbours do not point back at it
+    EXPECT_EQ(&ev, copy.root);
+    EXPECT_EQ("ABC", Deliver(ev));
+    // Detaching the copy tells b's event about the copy and joins b's
+    // neighbours: b drops out of the ring with stale links.
+    copy.Remove();
+    EXPECT_EQ("U", ev.seen);
+    EXPECT_TRUE(Detached(copy));
+    EXPECT_EQ(&ev, b.root);
+    EXPECT_EQ("AC", Deliver(ev));
+
+    SCC_EventNode<int>& asNode = c;
+    asNode = a; // leaves its place, joins just before a
+    EXPECT_EQ("UL", ev.seen);
+    EXPECT_EQ(&ev, c.root);
+    EXPECT_EQ("CA", Deliver(ev));
+
+    b.root = nullptr; // keep b's destructor off its stale links
+    b.prev = b.next = &b;
+}
+
+TEST(Event, HookCopiesAndObjectHooks) {
+    SCC_Event<int> ev;
+    SCC_EventHook<int> low, high, other;
+    Hook(low, LogA, 1).Attach(&ev), Hook(high, LogB, 9).Attach(&ev);
+    SCC_EventHook<int> copy(low); // just before its source, whatever its priority
+    EXPECT_EQ(&ev, copy.GetRoot());
+    EXPECT_EQ(1, copy.GetPriority());
+    EXPECT_EQ(&high, copy.prev);
+    EXPECT_EQ(&low, copy.next);
+    Hook(other, LogC, 0).Attach(&ev);
+    other = high;
+    EXPECT_EQ(9, other.GetPriority());
+    EXPECT_EQ("bbaa", Deliver(ev));
+
+    Obj o;
+    SCC_ObjectEventHook<Obj, int> oh;
+    EXPECT_TRUE(Detached(oh) && oh.GetPriority() == 0);
+    oh.SetObject(&o);
+    oh.SetMethod(&Obj::Handle);
+    SCC_ObjectEventHook<Obj, int> oc(oh);
+    int d = 4;
+    EXPECT_EQ(304, oc.OnNotification(3, &d));
+
+    SCC_Notifier n;
+    oc.Attach(&n);
+    SCC_Notifier n2(n), n3;
+    n3 = n2;
+    EXPECT_EQ(&n3, oc.GetRoot());
+    n3.Notify(2, &d);
+    EXPECT_EQ(204, o.seen);
+}

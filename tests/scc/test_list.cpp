@@ -1,0 +1,207 @@
+// Tests of the pointer lists and the self-aware reference list.
+#include "SCC_List.h"
+#include "SSM.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+typedef std::vector<SCC_DListRefNode*> NodeVec;
+NodeVec Nodes(const SCC_RefDList& l) { return NodeVec(l.begin(), l.end()); }
+
+struct LengthProbe : SCC_SList<int> {
+    using SCC_SList<int>::CheckLength;
+};
+
+TEST(List, PlainListsSearchByPointer) {
+    int a = 1, b = 2, c = 3, stranger = 9;
+    SCC_DList<int> l;
+    EXPECT_EQ(l.RemoveHead(), nullptr);
+    l.AddTail(&c);
+    l.AddHead(&a);
+    EXPECT_EQ(l.InsertBefore(&c, &b), &b);
+    EXPECT_EQ(l.InsertAfter(&stranger, &a), &a); // returned though nothing happened
+    EXPECT_EQ(l.Next(&a), &b);
+    EXPECT_EQ(l.Prev(&c), &b);
+    for (int* none : {l.Next(&stranger), l.Prev(&stranger), l.Next(&c), l.Prev(&a)})
+        EXPECT_EQ(none, nullptr);
+
+    SCC_DList<int>::iterator at = l.InsertBefore(std::next(l.begin()), &c);
+    EXPECT_EQ(at, std::next(l.begin()));
+    l.Remove(&c); // only the first occurrence goes
+    EXPECT_EQ(std::vector<int*>(l.begin(), l.end()), (std::vector<int*>{&a, &b, &c}));
+    EXPECT_EQ(l.RemoveTail(), &c);
+    EXPECT_NO_THROW(LengthProbe::CheckLength(4, 5));
+    EXPECT_THAT([] { LengthProbe::CheckLength(5, 5); },
+                testing::ThrowsMessage<std::length_error>(testing::StrEq("list<T> too long")));
+}
+
+TEST(RefList, NodesMoveBetweenLists) {
+    SCC_RefDList a, b, other;
+    SCC_DListRefNode n1, n2, n3;
+    a.AddTail(&n1);
+    a.AddTail(&n2);
+    b.AddHead(&n3);
+    b.AddTail(&n1); // leaves a
+    EXPECT_EQ(a.GetCount(), 1);
+    EXPECT_EQ(b.Last(), &n1);
+    EXPECT_EQ(a.IsValid() + b.IsValid(), 2);
+    b.InsertAfter(&n3, &n2);
+    b.InsertBefore(&n3, &n1); // within one list
+    EXPECT_EQ(Nodes(b), (NodeVec{&n1, &n3, &n2}));
+
+    EXPECT_EQ(a.Remove(&n3), &n3); // leaves b, whichever list is asked
+    EXPECT_EQ(n3.GetList(), nullptr);
+
+    // Next to a node of another list, n3 only comes to name the list.
+    SCC_DListRefNode stranger(&other);
+    a += n3;
+    b.InsertBefore(&stranger, &n3);
+    EXPECT_EQ(n3.GetList(), &b);
+    EXPECT_EQ(a.IsEmpty(), 1);
+    EXPECT_EQ(Nodes(b), (NodeVec{&n1, &n2}));
+    EXPECT_EQ(b.IsValid(), 1);
+
+    SCC_DListRefNode survivor;
+    {
+        SCC_RefDList l;
+        auto doomed = std::make_unique<SCC_DListRefNode>(&l);
+        l.AddTail(&survivor);
+        doomed.reset(); // leaves the list on destruction
+        EXPECT_EQ(Nodes(l), NodeVec{&survivor});
+    }
+    EXPECT_EQ(survivor.GetList(), nullptr);
+}
+
+TEST(RefList, NodeCopiesJoinBesideTheOriginal) {
+    SCC_RefDList l, m;
+    SCC_DListRefNode a(&l), b(&l); // b is the head
+    SCC_DListRefNode copy(a), loose, c(&m);
+    SCC_DListRefNode looseCopy(loose);
+    EXPECT_EQ(Nodes(l), (NodeVec{&b, &copy, &a}));
+    EXPECT_EQ(looseCopy.GetList(), nullptr);
+    c = b; // leaves m, lands before b
+    SCC_DListRefNode& self = c;
+    c = self;
+    EXPECT_EQ(m.IsEmpty(), 1);
+    EXPECT_EQ(Nodes(l), (NodeVec{&c, &b, &copy, &a}));
+    c = loose;
+    EXPECT_EQ(c.GetList(), nullptr);
+    EXPECT_EQ(l.GetCount(), 3);
+}
+
+struct Counter : SCC_DListRefNode {
+    int id, calls = 0;
+    bool leave = false;
+    explicit Counter(int i) : id(i) {}
+    int OnNotification(int code, void* data) override {
+        ++calls;
+        if (leave) GetList()->Remove(this);
+        return code * 10 + id + (data ? 100 : 0);
+    }
+};
+
+TEST(RefList, NotifyNodes) {
+    SCC_RefDList l;
+    EXPECT_EQ(l.NotifyNodes(5, nullptr), 0);
+    SCC_DListRefNode a(&l), b(&l), c(&l);
+    EXPECT_EQ(l.NotifyNodes(5, nullptr), 5);
+
+    SCC_RefDList k;
+    Counter x(1), y(2);
+    k.AddTail(&x);
+    k.AddTail(&y);
+    x.leave = true; // a handler may take its node out
+    EXPECT_EQ(k.NotifyNodes(7, &k), 172);
+    EXPECT_EQ(x.calls + y.calls, 2);
+    EXPECT_EQ(Nodes(k), NodeVec{&y});
+}
+
+TEST(RefList, ListCopiesAndAssignment) {
+    SCC_RefDList a;
+    SCC_DListRefNode n1(&a), n2(&a);
+    SCC_RefDList b;
+    SCC_DListRefNode old(&b);
+    b = a;
+    EXPECT_EQ(Nodes(b), Nodes(a));
+    EXPECT_EQ(n1.GetList(), &b);
+    EXPECT_EQ(old.GetList(), nullptr); // no stale pointer to b
+    EXPECT_EQ(b.IsValid() * 10 + a.IsValid(), 10);
+    {
+        SCC_RefDList c(b); // the elements keep naming b
+        EXPECT_EQ(n1.GetList(), &b);
+    } // c's destruction takes them out of b, and ends
+    EXPECT_EQ(b.IsEmpty(), 1);
+    EXPECT_EQ(n1.GetList(), nullptr);
+    a.RemoveAll(); // its elements name no list: it empties all the same
+    EXPECT_EQ(a.IsEmpty(), 1);
+}
+
+// Collects the sites ("file:line ") of the failures a manager handles.
+std::string g_sites;
+struct SiteLog {
+    SSM manager;
+    SCC_EventHook<int> hook;
+    SiteLog() {
+        hook.SetCallback([](int, int* data) {
+            auto* r = reinterpret_cast<SSM::AssertData*>(data);
+            g_sites += std::string(r->File.GetString()) + ":" + std::to_string(r->Line) + " ";
+            return 0;
+        });
+        hook.Attach(&manager.FailureEvent);
+    }
+    std::string Take() {
+        std::string all;
+        all.swap(g_sites);
+        return all;
+    }
+};
+
+TEST(RefList, NullNodesAreReportedAndLeftOut) {
+    SiteLog log;
+    SCC_RefDList l;
+    SCC_DListRefNode a(&l), b;
+    l.AddTail(nullptr);
+    EXPECT_EQ(log.Take(), "scc/scc:291 scc/scc:239 ");
+    l.AddHead(nullptr);
+    EXPECT_EQ(log.Take(), "scc/scc:300 scc/scc:239 ");
+    l.InsertBefore(nullptr, nullptr);
+    EXPECT_EQ(log.Take(), "scc/scc:271 scc/scc:272 scc/scc:239 ");
+    l.InsertAfter(&a, nullptr);
+    EXPECT_EQ(log.Take(), "scc/scc:282 scc/scc:239 ");
+    l.InsertAfter(nullptr, &b); // b only comes to name the list
+    EXPECT_EQ(log.Take(), "scc/scc:281 ");
+    EXPECT_EQ(Nodes(l), NodeVec{&a});
+    l.RemoveAll();
+    EXPECT_EQ(log.Take(), "");
+    EXPECT_EQ(l.RemoveTail(), nullptr); // Remove(null) on an empty list
+    EXPECT_EQ(log.Take(), "scc/scc:318 scc/scc:239 ");
+}
+
+TEST(RefList, MergeDependsOnThisListsCount) {
+    SiteLog log;
+    SCC_RefDList into, from;
+    SCC_DListRefNode a(&from), b(&from);
+    into.Merge(from); // an empty list takes nothing
+    EXPECT_EQ(from.GetCount(), 2);
+    SCC_DListRefNode first(&into);
+    into.Merge(from);
+    EXPECT_EQ(Nodes(into), (NodeVec{&first, &b, &a}));
+    EXPECT_EQ(log.Take(), "scc/scc:318 scc/scc:239 "); // the null element after the last
+    into.Merge(into);
+    EXPECT_EQ(into.GetCount(), 3);
+
+    // Elements of a copied list name another list; merging them still ends.
+    SCC_RefDList copy(into), target;
+    SCC_DListRefNode t(&target);
+    target.Merge(copy);
+    EXPECT_EQ(Nodes(target), (NodeVec{&t, &first, &b, &a}));
+    EXPECT_EQ(copy.IsEmpty() + into.IsEmpty() + target.IsValid(), 3);
+}
+
+} // namespace
