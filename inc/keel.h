@@ -16,5 +16,11 @@
 #include "SSM.h"
 
 #include "SCC_List.h"
+#include "SCC_Hash.h"
+
+#include "SYS_Geom.h"
+#include "SYS_Curve.h"
+#include "SYS_Transform.h"
+#include "SYS_Text.h"
 
 #endif // KEEL_H
