@@ -15,6 +15,9 @@
 #include "SSM_Assert.h"
 #include "SSM.h"
 
+#include "SCC_Shared.h"
+#include "SCC_Array.h"
+#include "SCC_SortableArray.h"
 #include "SCC_List.h"
 #include "SCC_Hash.h"
 
