@@ -159,6 +159,9 @@ protected:
 private:
     // SetData(buffer), then frees `buffer` when SetData did not keep it.
     void Adopt(_SCC_ArrayBuffer* buffer);
+    // Reallocates for Insert and Delete and moves the runs they announce.
+    void MoveBlocks(const SCC_ArrayParam& param, _SCC_ArrayBuffer* cur, int newLo, int newHi,
+                    bool forward, bool backward);
     // The partition loop of Sort on lo..hi.
     void QuickSort(long lo, long hi, int direction);
 };

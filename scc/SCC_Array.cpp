@@ -29,19 +29,9 @@ const int kSortStack = 30;
 _SCC_ArrayBuffer::_SCC_ArrayBuffer()
     : m_SortOrder(1), m_Lower(0), m_AllocLower(0), m_Upper(0), m_AllocUpper(0) {}
 
-_SCC_ArrayBuffer::_SCC_ArrayBuffer(const _SCC_ArrayBuffer& other)
-    : SCC_SharedBuffer(other), m_SortOrder(other.m_SortOrder), m_Lower(other.m_Lower),
-      m_AllocLower(other.m_AllocLower), m_Upper(other.m_Upper), m_AllocUpper(other.m_AllocUpper) {}
-
-_SCC_ArrayBuffer& _SCC_ArrayBuffer::operator=(const _SCC_ArrayBuffer& other) {
-    SCC_SharedBuffer::operator=(other);
-    m_SortOrder = other.m_SortOrder;
-    m_Lower = other.m_Lower;
-    m_AllocLower = other.m_AllocLower;
-    m_Upper = other.m_Upper;
-    m_AllocUpper = other.m_AllocUpper;
-    return *this;
-}
+// Member-wise: the count word follows SCC_SharedBuffer's own copy rules.
+_SCC_ArrayBuffer::_SCC_ArrayBuffer(const _SCC_ArrayBuffer& other) = default;
+_SCC_ArrayBuffer& _SCC_ArrayBuffer::operator=(const _SCC_ArrayBuffer& other) = default;
 
 _SCC_ArrayBuffer::~_SCC_ArrayBuffer() {}
 
@@ -205,9 +195,28 @@ void _SCC_Array::CheckArray(int index) {
 // ---------------------------------------------------------------------------
 // _SCC_Array: insertion and deletion
 
+// Builds the block for newLo..newHi and moves into it the runs that `param`
+// describes: the forward and backward runs asked for, and both runs when the
+// block is a new one.  `cur` is the block the runs are read from.
+void _SCC_Array::MoveBlocks(const SCC_ArrayParam& param, _SCC_ArrayBuffer* cur, int newLo,
+                            int newHi, bool forward, bool backward) {
+    const int alloc = cur ? cur->m_AllocLower : 0;
+    _SCC_ArrayBuffer* buffer = CreateBuffer(newLo, newHi);
+    const bool moved = buffer != cur;
+    if (buffer) {
+        const int newAlloc = buffer->m_AllocLower;
+        if (forward || moved)
+            CopyData(buffer, Sub(param.m_ForwardTo, newAlloc), Sub(param.m_ForwardFrom, alloc),
+                     param.m_ForwardCount);
+        if (backward || moved)
+            CopyData(buffer, Sub(param.m_BackwardTo, newAlloc), Sub(param.m_BackwardFrom, alloc),
+                     -param.m_BackwardCount);
+    }
+    if (moved) Adopt(buffer);
+}
+
 void _SCC_Array::Insert(int index, int count) {
     _SCC_ArrayBuffer* cur = GetData();
-    const int alloc = cur ? cur->m_AllocLower : 0;
     const int end = Add(index, count);
 
     SCC_ArrayParam param = {};
@@ -261,18 +270,7 @@ void _SCC_Array::Insert(int index, int count) {
         }
     }
 
-    _SCC_ArrayBuffer* buffer = CreateBuffer(newLo, newHi);
-    const bool moved = buffer != cur;
-    if (buffer) {
-        const int newAlloc = buffer->m_AllocLower;
-        if (forward || moved)
-            CopyData(buffer, Sub(param.m_ForwardTo, newAlloc), Sub(param.m_ForwardFrom, alloc),
-                     param.m_ForwardCount);
-        if (backward || moved)
-            CopyData(buffer, Sub(param.m_BackwardTo, newAlloc), Sub(param.m_BackwardFrom, alloc),
-                     -param.m_BackwardCount);
-    }
-    if (moved) Adopt(buffer);
+    MoveBlocks(param, cur, newLo, newHi, forward, backward);
 
     m_Event.Notify(1, &param);
 }
@@ -319,20 +317,7 @@ void _SCC_Array::Delete(int index, int count) {
     // Listeners see the doomed elements before anything changes.
     m_Event.Notify(2, &param);
 
-    _SCC_ArrayBuffer* cur = GetData();
-    const int alloc = cur ? cur->m_AllocLower : 0;
-    _SCC_ArrayBuffer* buffer = CreateBuffer(newLo, newHi);
-    const bool moved = buffer != cur;
-    if (buffer) {
-        const int newAlloc = buffer->m_AllocLower;
-        if (forward || moved)
-            CopyData(buffer, Sub(param.m_ForwardTo, newAlloc), Sub(param.m_ForwardFrom, alloc),
-                     param.m_ForwardCount);
-        if (backward || moved)
-            CopyData(buffer, Sub(param.m_BackwardTo, newAlloc), Sub(param.m_BackwardFrom, alloc),
-                     -param.m_BackwardCount);
-    }
-    if (moved) Adopt(buffer);
+    MoveBlocks(param, GetData(), newLo, newHi, forward, backward);
 }
 
 void _SCC_Array::Clear() {
