@@ -150,12 +150,6 @@ public:
 
     SCC_Event<SCC_ArrayParam> m_Event;
 
-protected:
-    // Reports a broken rule at a fixed site; used by the typed templates.
-    static void ReportFailure(const char* message, const char* file, int line) {
-        if (!SSM_AssertFailed(message, file, line, SSM_FailureFatal, 0)) SSM_Throw();
-    }
-
 private:
     // SetData(buffer), then frees `buffer` when SetData did not keep it.
     void Adopt(_SCC_ArrayBuffer* buffer);
@@ -208,13 +202,13 @@ public:
     // Unchecked access for readers that know the index is valid: an invalid
     // index is reported, nothing grows and the block is not made private.
     T& FastGetAt(int i) {
-        if (!InBounds(i)) ReportFailure("", "scc/scc_arr", 399);
+        if (!InBounds(i)) SSM_CheckFailed("", "scc/scc_arr", 399);
         return SlotOrScratch(i);
     }
 
     // Read access: an index out of bounds is reported, nothing grows.
     const T& operator[](int i) const {
-        if (!InBounds(i)) ReportFailure("", "scc/scc_arr", 406);
+        if (!InBounds(i)) SSM_CheckFailed("", "scc/scc_arr", 406);
         return const_cast<SCC_Array*>(this)->SlotOrScratch(i);
     }
 
@@ -352,7 +346,7 @@ public:
     // Bounds changes (code 3) leave the position alone.  Returns 0.
     int OnNotification(int code, SCC_ArrayParam* param) override {
         if (!param) {
-            ReportFailure("", "scc/scc_arr", 255);
+            SSM_CheckFailed("", "scc/scc_arr", 255);
             return 0;
         }
         if (code != 1 && code != 2) return 0;

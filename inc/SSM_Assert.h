@@ -23,4 +23,10 @@ KEEL_API int SSM_AssertFailed(const char* message, const char* file, int line, S
 // Throws the manager's pending assertion exception, if any.
 KEEL_API void SSM_Throw();
 
+// The whole calling pattern of an assertion site whose condition failed:
+// report a fatal failure at (file, line) and throw when the report says so.
+inline void SSM_CheckFailed(const char* message, const char* file, int line) {
+    if (!SSM_AssertFailed(message, file, line, SSM_FailureFatal, 0)) SSM_Throw();
+}
+
 #endif // SSM_ASSERT_H

@@ -1,17 +1,14 @@
 // SSM_Check.h - the assertion site helper used throughout keel (internal).
 //
 // SSM_CHECK(cond, "scc/scc", 573) reports a fatal failure at that site when
-// `cond` is false, calls SSM_Throw when the report says so, and carries on.
+// `cond` is false, calls SSM_Throw when the report says so, and carries on
+// (SSM_CheckFailed; templates in public headers call that directly).
 // The file text and line are fixed per site, not __FILE__/__LINE__: hosts key
 // their records on them.  SSM_CHECK_MSG passes a message as well.
 #ifndef SSM_CHECK_H
 #define SSM_CHECK_H
 
 #include "SSM_Assert.h"
-
-inline void SSM_CheckFailed(const char* message, const char* file, int line) {
-    if (!SSM_AssertFailed(message, file, line, SSM_FailureFatal, 0)) SSM_Throw();
-}
 
 #define SSM_CHECK_MSG(cond, message, file, line)                                                   \
     do {                                                                                           \
