@@ -49,11 +49,16 @@ public:
     void ConcatInPlace(int len, const char* s);
     const SYS_StringBase& operator+=(const char* s);
     const SYS_StringBase& operator+=(const SYS_StringBase& s);
-    const SYS_StringBase& operator+=(char c);
+    const SYS_StringBase& operator+=(char c) {
+        AppendChar(c);
+        return *this;
+    }
     void Append(const SYS_StringBase& s);
     void Append(const char* s);
     void Append(const char* s, int n);
-    void AppendChar(char c);
+    void AppendChar(char c) {
+        if (c != '\0') body.push_back(c);
+    }
 
     // Stream-style appending.
     SYS_StringBase& operator<<(char c);

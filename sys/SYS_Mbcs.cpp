@@ -4,16 +4,17 @@
 #include "SYS_CodePage.h"
 
 #include <cctype>
+#include <cstring>
+
+SYS_LeadByteTable g_SYS_LeadBytes = {};
 
 namespace {
 
-struct CodePageState {
-    int codePage = 0;
-    bool lead[256] = {};
-};
+int g_CodePage = 0;
 
-void FillLeadBytes(CodePageState& st, int cp) {
-    for (bool& b : st.lead) b = false;
+void FillLeadBytes(int cp) {
+    SYS_LeadByteTable& t = g_SYS_LeadBytes;
+    for (bool& b : t.lead) b = false;
     int lo1 = 0, hi1 = -1, lo2 = 0, hi2 = -1;
     switch (cp) {
     case 932:
@@ -28,19 +29,11 @@ void FillLeadBytes(CodePageState& st, int cp) {
         cp = 0;
         break;
     }
-    for (int b = lo1; b <= hi1; ++b) st.lead[b] = true;
-    for (int b = lo2; b <= hi2; ++b) st.lead[b] = true;
-    st.codePage = cp;
-}
-
-// The state is built on first use from the process locale's character set.
-CodePageState& State() {
-    static CodePageState st = [] {
-        CodePageState s;
-        FillLeadBytes(s, SYS_CodePageOfCharset(SYS_LocaleCharset()));
-        return s;
-    }();
-    return st;
+    for (int b = lo1; b <= hi1; ++b) t.lead[b] = true;
+    for (int b = lo2; b <= hi2; ++b) t.lead[b] = true;
+    t.doubleByte = cp != 0;
+    t.ready = true;
+    g_CodePage = cp;
 }
 
 inline bool Reached(const char* s, const char* end) { return *s == '\0' || (end && s >= end); }
@@ -67,30 +60,30 @@ template <class Fold> int CompareWith(const char* a, const char* b, Fold fold) {
 
 } // namespace
 
+// The code page follows the process locale's character set until it is set.
+void SYS_InitLeadBytes() { FillLeadBytes(SYS_CodePageOfCharset(SYS_LocaleCharset())); }
+
 int SYS_SetCodePage(int cp) {
-    CodePageState& st = State();
-    int previous = st.codePage;
-    FillLeadBytes(st, cp);
+    SYS_LeadBytes();
+    int previous = g_CodePage;
+    FillLeadBytes(cp);
     return previous;
 }
 
-int SYS_GetCodePage() { return State().codePage; }
-
-bool SYS_IsLeadByte(unsigned char b) { return State().lead[b]; }
-
-int SYS_MbcLen(const char* s) {
-    return SYS_IsLeadByte(static_cast<unsigned char>(s[0])) && s[1] != '\0' ? 2 : 1;
+int SYS_GetCodePage() {
+    SYS_LeadBytes();
+    return g_CodePage;
 }
 
-const char* SYS_MbsInc(const char* s) { return s + SYS_MbcLen(s); }
-
-unsigned SYS_MbcValue(const char* s) {
-    unsigned lead = static_cast<unsigned char>(s[0]);
-    if (SYS_MbcLen(s) == 1) return lead;
-    return lead << 8 | static_cast<unsigned char>(s[1]);
+// Under a single-byte code page the C library's byte functions give the same
+// answers, faster.  A hit at or past `end` does not count.
+inline const char* Bounded(const char* hit, const char* end) {
+    return hit && (!end || hit < end) ? hit : nullptr;
 }
 
 const char* SYS_MbsChr(const char* s, unsigned c, const char* end) {
+    if (!SYS_LeadBytes().doubleByte)
+        return c == 0 || c > 0xFF ? nullptr : Bounded(std::strchr(s, static_cast<int>(c)), end);
     for (; !Reached(s, end); s = SYS_MbsInc(s))
         if (SYS_MbcValue(s) == c) return s;
     return nullptr;
@@ -104,18 +97,21 @@ const char* SYS_MbsRChr(const char* s, unsigned c, const char* end) {
 }
 
 const char* SYS_MbsPbrk(const char* s, const char* set, const char* end) {
+    if (!SYS_LeadBytes().doubleByte) return Bounded(std::strpbrk(s, set), end);
     for (; !Reached(s, end); s = SYS_MbsInc(s))
         if (InSet(s, set)) return s;
     return nullptr;
 }
 
 size_t SYS_MbsSpn(const char* s, const char* set) {
+    if (!SYS_LeadBytes().doubleByte) return std::strspn(s, set);
     const char* p = s;
     while (*p && InSet(p, set)) p = SYS_MbsInc(p);
     return static_cast<size_t>(p - s);
 }
 
 size_t SYS_MbsCspn(const char* s, const char* set) {
+    if (!SYS_LeadBytes().doubleByte) return std::strcspn(s, set);
     const char* p = s;
     while (*p && !InSet(p, set)) p = SYS_MbsInc(p);
     return static_cast<size_t>(p - s);
@@ -126,10 +122,3 @@ int SYS_MbsCmp(const char* a, const char* b) {
 }
 
 int SYS_MbsICmp(const char* a, const char* b) { return CompareWith(a, b, FoldCase); }
-
-int SYS_MbcCmp(const char* a, const char* b) {
-    unsigned ca = SYS_MbcValue(a), cb = SYS_MbcValue(b);
-    return ca == cb ? 0 : (ca < cb ? -1 : 1);
-}
-
-bool SYS_IsMbcDigit(const char* s) { return *s >= '0' && *s <= '9'; }

@@ -10,17 +10,37 @@
 
 #include <cstddef>
 
-// True when `b` opens a double-byte character in the code page in force.
-bool SYS_IsLeadByte(unsigned char b);
+// The lead-byte table of the code page in force, built on first use.
+struct SYS_LeadByteTable {
+    bool ready;
+    bool doubleByte; // false for code page 0: every character is one byte
+    bool lead[256];
+};
+extern SYS_LeadByteTable g_SYS_LeadBytes;
+void SYS_InitLeadBytes();
 
-// Pointer to the character after the one at `s`.
-const char* SYS_MbsInc(const char* s);
+inline const SYS_LeadByteTable& SYS_LeadBytes() {
+    if (!g_SYS_LeadBytes.ready) SYS_InitLeadBytes();
+    return g_SYS_LeadBytes;
+}
+
+// True when `b` opens a double-byte character in the code page in force.
+inline bool SYS_IsLeadByte(unsigned char b) { return SYS_LeadBytes().lead[b]; }
 
 // Byte length of the character at `s` (1 or 2).
-int SYS_MbcLen(const char* s);
+inline int SYS_MbcLen(const char* s) {
+    return SYS_IsLeadByte(static_cast<unsigned char>(s[0])) && s[1] != '\0' ? 2 : 1;
+}
+
+// Pointer to the character after the one at `s`.
+inline const char* SYS_MbsInc(const char* s) { return s + SYS_MbcLen(s); }
 
 // The character at `s` as a value: its byte, or lead * 256 + trail.
-unsigned SYS_MbcValue(const char* s);
+inline unsigned SYS_MbcValue(const char* s) {
+    unsigned lead = static_cast<unsigned char>(s[0]);
+    if (SYS_MbcLen(s) == 1) return lead;
+    return lead << 8 | static_cast<unsigned char>(s[1]);
+}
 
 // First character of [s, end) equal to `c` (a byte or a double-byte value);
 // null when there is none.  A null `end` means no bound but the NUL.
@@ -45,9 +65,12 @@ int SYS_MbsCmp(const char* a, const char* b);
 int SYS_MbsICmp(const char* a, const char* b);
 
 // Compares the single characters at `a` and `b`: negative, 0 or positive.
-int SYS_MbcCmp(const char* a, const char* b);
+inline int SYS_MbcCmp(const char* a, const char* b) {
+    unsigned ca = SYS_MbcValue(a), cb = SYS_MbcValue(b);
+    return ca == cb ? 0 : (ca < cb ? -1 : 1);
+}
 
 // True when the character at `s` is a decimal digit.
-bool SYS_IsMbcDigit(const char* s);
+inline bool SYS_IsMbcDigit(const char* s) { return *s >= '0' && *s <= '9'; }
 
 #endif // SYS_MBCS_H

@@ -100,11 +100,6 @@ const SYS_StringBase& SYS_StringBase::operator+=(const SYS_StringBase& s) {
     return *this;
 }
 
-const SYS_StringBase& SYS_StringBase::operator+=(char c) {
-    AppendChar(c);
-    return *this;
-}
-
 void SYS_StringBase::Append(const SYS_StringBase& s) {
     std::string copy(s.body);
     CheckGrowth(body, copy.size());
@@ -117,10 +112,6 @@ void SYS_StringBase::Append(const char* s, int n) {
     size_t count = CheckedSize(n);
     CheckGrowth(body, count);
     body.append(s, count);
-}
-
-void SYS_StringBase::AppendChar(char c) {
-    if (c != '\0') body.push_back(c);
 }
 
 SYS_StringBase& SYS_StringBase::operator<<(char c) {
