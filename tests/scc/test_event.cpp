@@ -6,9 +6,11 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 
 namespace {
 
+using H = SCC_EventHook<int>;
 std::string g_log;
 
 // A listener that logs its name and then runs an optional action.
@@ -23,9 +25,9 @@ struct Rec : SCC_EventNode<int> {
     }
 };
 
-int LogA(int, int*) { return g_log += 'a', 0; }
-int LogB(int, int*) { return g_log += 'b', 0; }
-int LogC(int, int*) { return g_log += 'c', 0; }
+template <char C> int Log(int, int*) { return g_log += C, 0; }
+
+H& Hook(H& h, int (*cb)(int, int*), long prio) { return h.SetCallback(cb), h.SetPriority(prio), h; }
 
 std::string Deliver(SCC_Event<int>& ev) {
     g_log.clear();
@@ -34,78 +36,65 @@ std::string Deliver(SCC_Event<int>& ev) {
     return g_log;
 }
 
-bool Detached(SCC_EventNode<int>& n) {
-    return n.GetRoot() == nullptr && n.prev == &n && n.next == &n;
-}
-
-SCC_EventHook<int>& Hook(SCC_EventHook<int>& h, int (*cb)(int, int*), long prio) {
-    h.SetCallback(cb);
-    h.SetPriority(prio);
-    return h;
-}
-
-struct Obj {
-    int seen = 0;
-    int Handle(int code, int* data) { return seen = code * 100 + *data; }
-};
+bool Detached(SCC_EventNode<int>& n) { return !n.GetRoot() && n.prev == &n && n.next == &n; }
 
 } // namespace
 
-TEST(Event, EnableAndPriorityOrder) {
-    SCC_Event<int> ev;
-    EXPECT_EQ("", Deliver(ev));
-    SCC_EventHook<int> h1, h2, h3;
-    Hook(h1, LogA, 5).Attach(&ev), Hook(h2, LogB, 10).Attach(&ev), Hook(h3, LogC, 5).Attach(&ev);
-    EXPECT_EQ("bca", Deliver(ev)); // 10, then the newer 5, then the older 5
-
-    // Plain nodes report the top priority: a lower hook never goes ahead of
-    // them, an equal one does.  Append puts a node at the tail regardless.
+TEST(Event, PriorityOrderEnableAndDestruction) {
+    H h1, h2, h3;
     Rec p('P'), t('T');
-    p.InsertBefore(ev.next);
-    p.root = &ev;
-    h1.SetPriority(20);
-    h1.Attach(&ev); // re-attaching moves the hook
-    h3.SetPriority(0x7FFFFFFFL);
-    h3.Attach(&ev);
-    ev.Append(&t);
-    EXPECT_EQ(&ev, t.GetRoot());
-    EXPECT_EQ("cPabT", Deliver(ev));
+    {
+        SCC_Event<int> ev;
+        EXPECT_EQ("", Deliver(ev));
+        Hook(h1, Log<'a'>, 5).Attach(&ev), Hook(h2, Log<'b'>, 10).Attach(&ev);
+        Hook(h3, Log<'c'>, 5).Attach(&ev);
+        {
+            H gone; // leaves the chain when destroyed
+            Hook(gone, Log<'x'>, 7).Attach(&ev);
+        }
+        EXPECT_EQ("bca", Deliver(ev)); // 10, then the newer 5, then the older 5
 
-    EXPECT_EQ(1, ev.Enable(0));
-    EXPECT_EQ("", Deliver(ev));
-    EXPECT_EQ(0, ev.Enable(1));
-    p.action = [&] { ev.Enable(0); }; // stops before the next node
-    EXPECT_EQ("cP", Deliver(ev));
+        // Plain nodes report the top priority: a lower hook never goes ahead
+        // of them, an equal one does.  Append puts a node at the tail regardless.
+        p.InsertBefore(ev.next);
+        p.root = &ev;
+        Hook(h1, Log<'a'>, 20).Attach(&ev); // re-attaching moves the hook
+        Hook(h3, Log<'c'>, 0x7FFFFFFFL).Attach(&ev);
+        ev.Append(&t);
+        EXPECT_EQ(&ev, t.GetRoot());
+        EXPECT_EQ("cPabT", Deliver(ev));
 
-    h1.Attach(nullptr);
-    EXPECT_TRUE(Detached(h1));
-    ev.Append(nullptr);
+        EXPECT_EQ(1, ev.Enable(0));
+        EXPECT_EQ("", Deliver(ev));
+        EXPECT_EQ(0, ev.Enable(1));
+        p.action = [&] { ev.Enable(0); }; // stops before the next node
+        EXPECT_EQ("cP", Deliver(ev));
+        h1.Attach(nullptr);
+        EXPECT_TRUE(Detached(h1));
+        ev.Append(nullptr);
+    } // the event's destruction detaches its nodes
+    EXPECT_TRUE(Detached(h2) && Detached(h3) && Detached(p) && Detached(t));
 }
 
 TEST(Event, DetachDuringDelivery) {
     SCC_Event<int> ev;
     Rec a('A'), b('B'), c('C'), d('D');
-    auto chain = [&] { ev.Append(&a), ev.Append(&b), ev.Append(&c); };
-
-    chain();
-    a.action = [&] { b.Remove(); };
-    EXPECT_EQ("AC", Deliver(ev));
-    EXPECT_TRUE(Detached(b));
-
-    chain();
-    a.action = [&] { a.Remove(); };
-    EXPECT_EQ("AC", Deliver(ev)); // the successor of a self-detaching node is skipped once
-
-    a.action = nullptr;
-    chain();
-    c.action = [&] { c.Remove(); };
-    EXPECT_EQ("ABCAB", Deliver(ev)); // the last node leaving wraps the delivery round
-
-    c.action = nullptr;
-    chain();
-    b.action = [&] { ev.RemoveAll(); };
-    EXPECT_EQ("AB", Deliver(ev));
-    EXPECT_TRUE(Detached(a) && Detached(c));
+    auto chain = [&] {
+        a.action = b.action = c.action = nullptr;
+        ev.Append(&a), ev.Append(&b), ev.Append(&c);
+    };
+    // Who acts during the delivery to A, B, C, and what is delivered.
+    const std::tuple<Rec*, std::function<void()>, const char*> cases[] = {
+        {&a, [&] { b.Remove(); }, "AC"},
+        {&a, [&] { a.Remove(); }, "AC"}, // the successor of a self-detaching node is skipped once
+        {&c, [&] { c.Remove(); }, "ABCAB"}, // the last node leaving wraps the delivery round
+        {&b, [&] { ev.RemoveAll(); }, "AB"}};
+    for (const auto& [node, action, delivered] : cases) {
+        chain();
+        node->action = action;
+        EXPECT_EQ(delivered, Deliver(ev));
+    }
+    EXPECT_TRUE(Detached(a) && Detached(b) && Detached(c));
 
     // A nested delivery runs the whole chain before the outer one resumes,
     // and a removal inside it moves the outer cursor too.
@@ -126,22 +115,6 @@ TEST(Event, DetachDuringDelivery) {
     a.action = [] { throw std::runtime_error("x"); };
     EXPECT_THROW(ev.Notify(0, nullptr), std::runtime_error);
     EXPECT_EQ(nullptr, ev.root);
-}
-
-TEST(Event, DestructionDetaches) {
-    SCC_EventHook<int> h1, h2;
-    {
-        SCC_Event<int> ev;
-        h1.Attach(&ev), h2.Attach(&ev);
-        {
-            SCC_EventHook<int> gone;
-            Hook(gone, LogA, 0).Attach(&ev);
-        }
-        EXPECT_EQ(&h2, ev.next);
-        EXPECT_EQ(&h1, h2.next);
-        EXPECT_EQ(&h1, ev.prev);
-    }
-    EXPECT_TRUE(Detached(h1) && Detached(h2));
 }
 
 TEST(Event, CopiesMoveTheChain) {
@@ -188,7 +161,6 @@ TEST(Event, NodeCopyIsShallowAndAssignmentInserts) {
     WatchEvent ev;
     Rec a('A'), b('B'), c('C');
     ev.Append(&a), ev.Append(&b), ev.Append(&c);
-
     Rec copy(b); // not reached: the neighbours do not point back at it
     EXPECT_EQ(&ev, copy.root);
     EXPECT_EQ("ABC", Deliver(ev));
@@ -205,34 +177,32 @@ TEST(Event, NodeCopyIsShallowAndAssignmentInserts) {
     EXPECT_EQ("UL", ev.seen);
     EXPECT_EQ(&ev, c.root);
     EXPECT_EQ("CA", Deliver(ev));
-
     b.root = nullptr; // keep b's destructor off its stale links
     b.prev = b.next = &b;
 }
 
 TEST(Event, HookCopiesAndObjectHooks) {
     SCC_Event<int> ev;
-    SCC_EventHook<int> low, high, other;
-    Hook(low, LogA, 1).Attach(&ev), Hook(high, LogB, 9).Attach(&ev);
-    SCC_EventHook<int> copy(low); // just before its source, whatever its priority
-    EXPECT_EQ(&ev, copy.GetRoot());
+    H low, high, other;
+    Hook(low, Log<'a'>, 1).Attach(&ev), Hook(high, Log<'b'>, 9).Attach(&ev);
+    H copy(low); // just before its source, whatever its priority
+    EXPECT_TRUE(copy.GetRoot() == &ev && copy.prev == &high && copy.next == &low);
     EXPECT_EQ(1, copy.GetPriority());
-    EXPECT_EQ(&high, copy.prev);
-    EXPECT_EQ(&low, copy.next);
-    Hook(other, LogC, 0).Attach(&ev);
+    Hook(other, Log<'c'>, 0).Attach(&ev);
     other = high;
     EXPECT_EQ(9, other.GetPriority());
     EXPECT_EQ("bbaa", Deliver(ev));
 
-    Obj o;
+    struct Obj {
+        int seen = 0;
+        int Handle(int code, int* data) { return seen = code * 100 + *data; }
+    } o;
     SCC_ObjectEventHook<Obj, int> oh;
     EXPECT_TRUE(Detached(oh) && oh.GetPriority() == 0);
-    oh.SetObject(&o);
-    oh.SetMethod(&Obj::Handle);
+    oh.SetObject(&o), oh.SetMethod(&Obj::Handle);
     SCC_ObjectEventHook<Obj, int> oc(oh);
     int d = 4;
     EXPECT_EQ(304, oc.OnNotification(3, &d));
-
     SCC_Notifier n;
     oc.Attach(&n);
     SCC_Notifier n2(n), n3;

@@ -5,8 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -26,11 +26,9 @@ TEST(List, PlainListsSearchByPointer) {
     l.AddHead(&a);
     EXPECT_EQ(l.InsertBefore(&c, &b), &b);
     EXPECT_EQ(l.InsertAfter(&stranger, &a), &a); // returned though nothing happened
-    EXPECT_EQ(l.Next(&a), &b);
-    EXPECT_EQ(l.Prev(&c), &b);
+    EXPECT_TRUE(l.Next(&a) == &b && l.Prev(&c) == &b);
     for (int* none : {l.Next(&stranger), l.Prev(&stranger), l.Next(&c), l.Prev(&a)})
         EXPECT_EQ(none, nullptr);
-
     SCC_DList<int>::iterator at = l.InsertBefore(std::next(l.begin()), &c);
     EXPECT_EQ(at, std::next(l.begin()));
     l.Remove(&c); // only the first occurrence goes
@@ -44,9 +42,7 @@ TEST(List, PlainListsSearchByPointer) {
 TEST(RefList, NodesMoveBetweenLists) {
     SCC_RefDList a, b, other;
     SCC_DListRefNode n1, n2, n3;
-    a.AddTail(&n1);
-    a.AddTail(&n2);
-    b.AddHead(&n3);
+    a.AddTail(&n1), a.AddTail(&n2), b.AddHead(&n3);
     b.AddTail(&n1); // leaves a
     EXPECT_EQ(a.GetCount(), 1);
     EXPECT_EQ(b.Last(), &n1);
@@ -54,10 +50,8 @@ TEST(RefList, NodesMoveBetweenLists) {
     b.InsertAfter(&n3, &n2);
     b.InsertBefore(&n3, &n1); // within one list
     EXPECT_EQ(Nodes(b), (NodeVec{&n1, &n3, &n2}));
-
     EXPECT_EQ(a.Remove(&n3), &n3); // leaves b, whichever list is asked
     EXPECT_EQ(n3.GetList(), nullptr);
-
     // Next to a node of another list, n3 only comes to name the list.
     SCC_DListRefNode stranger(&other);
     a += n3;
@@ -70,9 +64,8 @@ TEST(RefList, NodesMoveBetweenLists) {
     SCC_DListRefNode survivor;
     {
         SCC_RefDList l;
-        auto doomed = std::make_unique<SCC_DListRefNode>(&l);
         l.AddTail(&survivor);
-        doomed.reset(); // leaves the list on destruction
+        { SCC_DListRefNode doomed(&l); } // leaves the list on destruction
         EXPECT_EQ(Nodes(l), NodeVec{&survivor});
     }
     EXPECT_EQ(survivor.GetList(), nullptr);
@@ -95,6 +88,7 @@ TEST(RefList, NodeCopiesJoinBesideTheOriginal) {
     EXPECT_EQ(l.GetCount(), 3);
 }
 
+// Answers with its code, id and whether data came, and may leave its list.
 struct Counter : SCC_DListRefNode {
     int id, calls = 0;
     bool leave = false;
@@ -106,60 +100,45 @@ struct Counter : SCC_DListRefNode {
     }
 };
 
-TEST(RefList, NotifyNodes) {
-    SCC_RefDList l;
+TEST(RefList, NotifyNodesAndListCopies) {
+    SCC_RefDList l, k;
     EXPECT_EQ(l.NotifyNodes(5, nullptr), 0);
     SCC_DListRefNode a(&l), b(&l), c(&l);
     EXPECT_EQ(l.NotifyNodes(5, nullptr), 5);
-
-    SCC_RefDList k;
     Counter x(1), y(2);
-    k.AddTail(&x);
-    k.AddTail(&y);
-    x.leave = true; // a handler may take its node out
+    k.AddTail(&x), k.AddTail(&y);
+    x.leave = true; // a handler may take its node out; y still answers last
     EXPECT_EQ(k.NotifyNodes(7, &k), 172);
-    EXPECT_EQ(x.calls + y.calls, 2);
     EXPECT_EQ(Nodes(k), NodeVec{&y});
-}
+    EXPECT_EQ(x.calls + y.calls, 2);
 
-TEST(RefList, ListCopiesAndAssignment) {
-    SCC_RefDList a;
-    SCC_DListRefNode n1(&a), n2(&a);
-    SCC_RefDList b;
-    SCC_DListRefNode old(&b);
-    b = a;
-    EXPECT_EQ(Nodes(b), Nodes(a));
-    EXPECT_EQ(n1.GetList(), &b);
-    EXPECT_EQ(old.GetList(), nullptr); // no stale pointer to b
-    EXPECT_EQ(b.IsValid() * 10 + a.IsValid(), 10);
+    SCC_DListRefNode old(&k);
+    k = l;
+    EXPECT_EQ(Nodes(k), Nodes(l));
+    EXPECT_EQ(a.GetList(), &k);
+    EXPECT_TRUE(old.GetList() == nullptr && y.GetList() == nullptr); // no stale pointer to k
+    EXPECT_EQ(k.IsValid() * 10 + l.IsValid(), 10);
     {
-        SCC_RefDList c(b); // the elements keep naming b
-        EXPECT_EQ(n1.GetList(), &b);
-    } // c's destruction takes them out of b, and ends
-    EXPECT_EQ(b.IsEmpty(), 1);
-    EXPECT_EQ(n1.GetList(), nullptr);
-    a.RemoveAll(); // its elements name no list: it empties all the same
-    EXPECT_EQ(a.IsEmpty(), 1);
+        SCC_RefDList copy(k); // the elements keep naming k
+        EXPECT_EQ(a.GetList(), &k);
+    } // the copy's destruction takes them out of k, and ends
+    EXPECT_EQ(k.IsEmpty(), 1);
+    EXPECT_EQ(a.GetList(), nullptr);
+    l.RemoveAll(); // its elements name no list: it empties all the same
+    EXPECT_EQ(l.IsEmpty(), 1);
 }
 
 // Collects the sites ("file:line ") of the failures a manager handles.
-std::string g_sites;
-struct SiteLog {
+struct SiteLog : SCC_ObjectEventHook<SiteLog, int> {
     SSM manager;
-    SCC_EventHook<int> hook;
-    SiteLog() {
-        hook.SetCallback([](int, int* data) {
-            auto* r = reinterpret_cast<SSM::AssertData*>(data);
-            g_sites += std::string(r->File.GetString()) + ":" + std::to_string(r->Line) + " ";
-            return 0;
-        });
-        hook.Attach(&manager.FailureEvent);
+    std::string sites;
+    SiteLog() { SetObject(this), SetMethod(&SiteLog::On), Attach(&manager.FailureEvent); }
+    int On(int, int* data) {
+        auto* r = reinterpret_cast<SSM::AssertData*>(data);
+        sites += std::string(r->File.GetString()) + ":" + std::to_string(r->Line) + " ";
+        return 0;
     }
-    std::string Take() {
-        std::string all;
-        all.swap(g_sites);
-        return all;
-    }
+    std::string Take() { return std::exchange(sites, ""); }
 };
 
 TEST(RefList, NullNodesAreReportedAndLeftOut) {
@@ -195,7 +174,6 @@ TEST(RefList, MergeDependsOnThisListsCount) {
     EXPECT_EQ(log.Take(), "scc/scc:318 scc/scc:239 "); // the null element after the last
     into.Merge(into);
     EXPECT_EQ(into.GetCount(), 3);
-
     // Elements of a copied list name another list; merging them still ends.
     SCC_RefDList copy(into), target;
     SCC_DListRefNode t(&target);

@@ -1,17 +1,14 @@
-// geom_print.h - readable GoogleTest messages for points and boxes.
+// Short names, readable GoogleTest messages and a helper for geometry tests.
 #ifndef KEEL_TESTS_GEOM_PRINT_H
 #define KEEL_TESTS_GEOM_PRINT_H
-
 #include "SYS_Geom.h"
-
 #include <ostream>
-
-inline void PrintTo(const SYS_Point& p, std::ostream* os) {
-    *os << "(" << p.x << ", " << p.y << ")";
+using P = SYS_Point;
+using B = SYS_Box;
+inline void PrintTo(const P& p, std::ostream* o) { *o << '(' << p.x << ',' << p.y << ')'; }
+inline void PrintTo(const B& b, std::ostream* o) {
+    PrintTo(b.GetLowerLeft(), o), PrintTo(b.GetUpperRight(), o);
 }
-inline void PrintTo(const SYS_Box& b, std::ostream* os) {
-    *os << "(" << b.GetLeft() << ", " << b.GetLower() << ", " << b.GetRight() << ", "
-        << b.GetUpper() << ")";
-}
-
+// The value after change(value), e.g. After(P(5, -5), [](P& p) { p.Scale(0.5); }).
+template <class T, class F> T After(T value, F change) { return change(value), value; }
 #endif // KEEL_TESTS_GEOM_PRINT_H
