@@ -160,32 +160,28 @@ TEST(String, SubstringBounds) {
     EXPECT_EQ(Bytes(s.SpanExcluding("ed")), "abc");
 }
 
+// Calls Tokenize up to `steps` times from `pos`, recording "token@pos" each
+// time; stops after the call that sets pos to -1.
+std::string Walk(const char* text, const char* delims, int pos, int steps = 4) {
+    SYS_StringBase s(text);
+    std::string out;
+    for (int i = 0; i < steps && pos != -1; ++i) {
+        std::string token = Bytes(s.Tokenize(delims, pos));
+        out += token + "@" + std::to_string(pos) + " ";
+    }
+    return out;
+}
+
 TEST(String, TokenizeFollowsItsPosition) {
-    SYS_StringBase s(",a,,b");
-    int pos = 0;
-    EXPECT_EQ(Bytes(s.Tokenize(",", pos)), "a");
-    EXPECT_EQ(pos, 3);
-    EXPECT_EQ(Bytes(s.Tokenize(",", pos)), "b");
-    EXPECT_EQ(pos, 6);
+    EXPECT_EQ(Walk(",a,,b", ",", 0), "a@3 b@6 @-1 ");
+    EXPECT_EQ(Walk("abc", "", 0, 2), "abc@0 abc@0 "); // no delimiters: no progress
+    EXPECT_EQ(Walk("abc", nullptr, 1, 1), "bc@1 ");
+    EXPECT_EQ(Walk("abc", nullptr, 3), "@-1 ");
+    EXPECT_EQ(Walk("x,,", ",", 1), "@-1 ");
+    SYS_StringBase s("a");
+    int pos = -5; // a negative position gives nothing and stays
     EXPECT_EQ(Bytes(s.Tokenize(",", pos)), "");
-    EXPECT_EQ(pos, -1);
-    EXPECT_EQ(Bytes(s.Tokenize(",", pos)), ""); // stays at -1
-    EXPECT_EQ(pos, -1);
-
-    SYS_StringBase abc("abc");
-    pos = 0;
-    EXPECT_EQ(Bytes(abc.Tokenize("", pos)), "abc");
-    EXPECT_EQ(pos, 0); // no delimiters: no progress
-    pos = 1;
-    EXPECT_EQ(Bytes(abc.Tokenize(nullptr, pos)), "bc");
-    pos = 3;
-    EXPECT_EQ(Bytes(abc.Tokenize(nullptr, pos)), "");
-    EXPECT_EQ(pos, -1);
-
-    SYS_StringBase trailing("x,,");
-    pos = 1;
-    EXPECT_EQ(Bytes(trailing.Tokenize(",", pos)), "");
-    EXPECT_EQ(pos, -1);
+    EXPECT_EQ(pos, -5);
 }
 
 TEST(String, ForwardSearches) {
