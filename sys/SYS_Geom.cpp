@@ -161,7 +161,7 @@ int AxisCodes(int32_t lo1, int32_t hi1, int32_t lo2, int32_t hi2, ClipEdge* e) {
 
 void SYS_Box::Set(const SYS_Point& p, long size) {
     SYS_Point q = p + size;
-    if (size >= 0)
+    if (SYS_Wrap32(size) >= 0)
         Set(p, q);
     else
         Set(q, p);

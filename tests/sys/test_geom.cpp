@@ -72,6 +72,7 @@ TEST(SysLocation, OrientationAndMirror) {
 TEST(SysBox, ShapeAndGrowth) {
     EXPECT_EQ(B(P(10, 20), 5), B(10, 20, 15, 25));
     EXPECT_EQ(B(P(10, 20), -5), B(5, 15, 10, 20));
+    EXPECT_EQ(B(P(10, 20), 0xFFFFFFFFL), B(9, 19, 10, 20)); // the size's low 32 bits are -1
     EXPECT_TRUE(B(5, 1, 5, 9).IsEmpty());
     EXPECT_FALSE(B(9, 1, 1, 9).IsEmpty() || B(9, 1, 1, 9).IsValid()); // inverted, not empty
     const B b(1, 2, 7, 12);
