@@ -30,11 +30,30 @@ void ChangeListOf(SCC_DListRefNode* n, SCC_RefDList* list) {
     n->ChangeList(list);
 }
 
+// The NotifyNodes deliveries under way on this thread, innermost first.  Each
+// names its list and the element it will notify next; taking that element
+// out of the list moves the cursor on, so that a handler may remove any
+// element, not just its own, without the delivery touching a freed link.
+struct NotifyCursor {
+    SCC_RefDList* list;
+    SCC_RefDList::iterator next;
+    NotifyCursor* outer;
+};
+thread_local NotifyCursor* t_Cursors = nullptr;
+
+// Called just before `n` is unlinked from `list`.
+void StepCursorsPast(SCC_RefDList* list, SCC_DListRefNode* n) {
+    for (NotifyCursor* c = t_Cursors; c; c = c->outer)
+        if (c->list == list && c->next != list->end() && *c->next == n) ++c->next;
+}
+
 // Unlinks the head of `list` when it still holds `n` after `n` was told to
 // leave: `n` named another list (a copied list holds such elements).  This
 // keeps the loops that empty a list finite.
 void DropStaleHead(SCC_RefDList& list, SCC_DListRefNode* n) {
-    if (!list.empty() && list.front() == n) list.pop_front();
+    if (list.empty() || list.front() != n) return;
+    StepCursorsPast(&list, n);
+    list.pop_front();
 }
 
 } // namespace
@@ -73,7 +92,10 @@ void SCC_DListRefNode::ChangeList(SCC_RefDList* list) {
         SSM_CHECK(false, "scc/scc", 239);
         return;
     }
-    if (m_List) m_List->PlainList::Remove(this);
+    if (m_List) {
+        StepCursorsPast(m_List, this);
+        m_List->PlainList::Remove(this);
+    }
     m_List = list;
 }
 
@@ -88,6 +110,9 @@ SCC_RefDList& SCC_RefDList::operator=(SCC_RefDList& other) {
     Base::operator=(other);
     for (SCC_DListRefNode* n : *this)
         if (n) n->m_List = this;
+    // A delivery over this list cannot follow a new set of links: it ends.
+    for (NotifyCursor* c = t_Cursors; c; c = c->outer)
+        if (c->list == this) c->next = end();
     return *this;
 }
 
@@ -181,10 +206,14 @@ int SCC_RefDList::NotifyNodes(int code, void* data) {
     SSM_CHECK(!nullList, "scc/scc", 348);
     if (nullList) return 0;
     int result = 0;
-    // Step on before the call, so that a node may leave the list from its
-    // handler.
-    for (iterator it = begin(); it != end();) {
-        SCC_DListRefNode* n = *it++;
+    NotifyCursor cursor{this, begin(), t_Cursors};
+    t_Cursors = &cursor;
+    struct Pop {
+        NotifyCursor& c;
+        ~Pop() { t_Cursors = c.outer; }
+    } pop{cursor};
+    while (cursor.next != end()) {
+        SCC_DListRefNode* n = *cursor.next++;
         if (n) result = n->OnNotification(code, data);
     }
     return result;

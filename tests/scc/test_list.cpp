@@ -92,9 +92,12 @@ TEST(RefList, NodeCopiesJoinBesideTheOriginal) {
 struct Counter : SCC_DListRefNode {
     int id, calls = 0;
     bool leave = false;
+    Counter* victim = nullptr; // destroyed by the handler
     explicit Counter(int i) : id(i) {}
     int OnNotification(int code, void* data) override {
         ++calls;
+        delete victim;
+        victim = nullptr;
         if (leave) GetList()->Remove(this);
         return code * 10 + id + (data ? 100 : 0);
     }
@@ -111,6 +114,13 @@ TEST(RefList, NotifyNodesAndListCopies) {
     EXPECT_EQ(k.NotifyNodes(7, &k), 172);
     EXPECT_EQ(Nodes(k), NodeVec{&y});
     EXPECT_EQ(x.calls + y.calls, 2);
+    x.leave = false; // a handler may also destroy the element after its own
+    k.AddHead(&x);
+    x.victim = new Counter(3);
+    k.InsertAfter(&x, x.victim);
+    EXPECT_EQ(k.NotifyNodes(1, nullptr), 12);
+    EXPECT_EQ(Nodes(k), (NodeVec{&x, &y}));
+    k.Remove(&x);
 
     SCC_DListRefNode old(&k);
     k = l;
