@@ -290,7 +290,7 @@ void _SCC_Array::Delete(int index, int count) {
     param.m_Array = this;
     param.m_ForwardFrom = param.m_ForwardTo = hiEdge;
     param.m_ForwardCount = upper - hiEdge;
-    param.m_BackwardFrom = param.m_BackwardTo = loEdge - 1;
+    param.m_BackwardFrom = param.m_BackwardTo = Sub(loEdge, 1);
     param.m_BackwardCount = loEdge - lower;
     int newLo = lower;
     int newHi = upper;

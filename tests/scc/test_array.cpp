@@ -120,6 +120,9 @@ TEST(Array, StorageReservesSpareSlotsGrowsByTheCountBasedStepAndStaysWithinInt) 
     EXPECT_EQ(c.Shape(), (Ints{INT_MAX - 5, INT_MAX, INT_MAX - 10, INT_MAX}));
     c[INT_MAX - 1] = 3;
     EXPECT_EQ(c.FastGetAt(INT_MAX - 1), 3);
+    IntProbe m(INT_MIN, INT_MIN + 3); // the (empty) block below index INT_MIN wraps round
+    m.Delete(INT_MIN, 1);
+    EXPECT_EQ(m.Values(), (Ints{INT_MIN + 1, INT_MIN + 2}));
 }
 
 TEST(Array, CopiesShareStorageUntilOneIsWritten) {
