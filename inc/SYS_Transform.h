@@ -93,6 +93,9 @@ public:
 
     // Images of points: rounded for integer points, exact for double ones.
     void Transform(SYS_Point* p) const;
+    // Images of count points in place (nothing for a null array or a count
+    // of 0 or less); each point gets exactly what Transform(&point) gives.
+    void Transform(SYS_Point* points, int count) const;
     void Convert(SYS_Point& p) const { Transform(&p); }
     SYS_Point operator+(SYS_Point p) const { return Transform(p); }
     SYS_Point Transform(const SYS_Point& p) const;

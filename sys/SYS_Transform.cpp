@@ -279,6 +279,15 @@ void SYS_Transform::Transform(SYS_Point* p) const {
     p->y = SYS_Round32(d * x + e * y + f);
 }
 
+void SYS_Transform::Transform(SYS_Point* points, int count) const {
+    if (!points) return;
+    for (int i = 0; i < count; ++i) {
+        const double x = points[i].x, y = points[i].y;
+        points[i].x = SYS_Round32(a * x + b * y + c);
+        points[i].y = SYS_Round32(d * x + e * y + f);
+    }
+}
+
 SYS_Point SYS_Transform::Transform(const SYS_Point& p) const {
     SYS_Point r(p);
     Transform(&r);

@@ -9,7 +9,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 need=()
-for p in cmake g++ make libgtest-dev libgmock-dev libbenchmark-dev; do
+for p in cmake g++ make libgtest-dev libgmock-dev libbenchmark-dev libboost-dev; do
     dpkg -s "$p" >/dev/null 2>&1 || need+=("$p")
 done
 if [ ${#need[@]} -gt 0 ]; then
@@ -20,17 +20,30 @@ if [ ${#need[@]} -gt 0 ]; then
     DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq "${need[@]}"
 fi
 
+# Runs a configure or build step quietly: its output is shown only when it
+# fails.
+quiet() {
+    local log
+    log=$(mktemp)
+    if ! "$@" >"$log" 2>&1; then
+        cat "$log" >&2
+        rm -f "$log"
+        return 1
+    fi
+    rm -f "$log"
+}
+
 case "${1:-test}" in
 demo)
-    cmake --preset default >/dev/null
-    cmake --build --preset default --target keel-demo
+    quiet cmake --preset default
+    quiet cmake --build --preset default --target keel-demo
     ./build/default/examples/keel-demo
     ;;
 test) cmake --workflow --preset default ;;
 asan) cmake --workflow --preset asan ;;
 bench)
-    cmake --preset default >/dev/null
-    cmake --build --preset default --target keel-bench
+    quiet cmake --preset default
+    quiet cmake --build --preset default --target keel-bench
     ./build/default/bench/keel-bench
     ;;
 *)
