@@ -11,9 +11,10 @@
 // then takes a private block (copy on write).
 //
 // Every structural change is announced through the array's event m_Event with
-// a pointer to an SCC_ArrayParam on the caller's stack: code 1 after an
-// insertion, code 2 before a deletion (and after a Clear), code 3 after the
-// bounds moved to a new block.  Iterators hook the event to follow their
+// a pointer to an SCC_ArrayParam on the caller's stack (SCC_ArrayCode):
+// SCC_ArrayInserted after an insertion, SCC_ArrayDeleted before a deletion
+// (and after a Clear), SCC_ArrayBoundsChanged after the bounds moved to a new
+// block.  Iterators hook the event to follow their
 // element.
 //
 // Costs: growth is geometric (twice the element count, at most 10000 spare
@@ -27,6 +28,7 @@
 #include "SCC_Event.h"
 #include "SCC_Shared.h"
 #include "SSM_Assert.h"
+#include "internal/SYS_Int32.h"
 
 #include <climits>
 #include <cstring>
@@ -36,6 +38,13 @@
 #include <utility>
 
 class _SCC_Array;
+
+// The codes with which an array announces a structural change on m_Event.
+enum SCC_ArrayCode {
+    SCC_ArrayInserted = 1,     // after Insert: blocks moved apart to open slots
+    SCC_ArrayDeleted = 2,      // before Delete moves blocks together; after Clear
+    SCC_ArrayBoundsChanged = 3 // after the bounds moved to a new block (no fields set)
+};
 
 // The bounds of one storage block.  The typed block keeps the element of
 // index i at position i - m_AllocLower of its storage.
@@ -90,15 +99,16 @@ public:
 
     // Opens |count| slots: at `index` moving the elements from `index`
     // upward when count > 0, just below `index` moving the elements below it
-    // downward when count < 0.  Announces code 1 afterwards.
+    // downward when count < 0.  Announces SCC_ArrayInserted afterwards.
     void Insert(int index, int count);
     // Removes `count` elements from `index`, moving the elements above them
     // down.  A count <= 0 instead lowers the lower bound by |count| and moves
     // the elements below `index` up until the last of them lands on `index`.
-    // Announces code 2 before anything changes.  A request that leaves the
+    // Announces SCC_ArrayDeleted before anything changes.  A request that leaves the
     // bounds does nothing.
     void Delete(int index, int count);
-    // Drops the storage; announces code 2 afterwards when there was any.
+    // Drops the storage; announces SCC_ArrayDeleted afterwards when there was
+    // any.
     void Clear();
     // Joins `hook` to the array's event in priority order.
     void RegisterIterator(SCC_EventHook<SCC_ArrayParam>& hook);
@@ -114,7 +124,7 @@ protected:
     _SCC_Array& operator=(_SCC_Array& other);
 
     // Gives the array the bounds lo..hi, copying the elements both ranges
-    // have; announces code 3 when that took a new block.
+    // have; announces SCC_ArrayBoundsChanged when that took a new block.
     void ChangeBounds(int lo, int hi);
     // The block that is to hold lo..hi: the current one with its bounds
     // rewritten, or a new one (elements not copied).  Null for an empty range
@@ -220,7 +230,7 @@ public:
         return *slot;
     }
 
-    // Stores `item` one past the upper bound.  Announces code 3 only when that
+    // Stores `item` one past the upper bound.  Announces SCC_ArrayBoundsChanged only when that
     // took a new block.
     void Append(const T& item) {
         Buffer* b = m_Buffer;
@@ -343,13 +353,13 @@ public:
 
     // Moves the position with the blocks that an insertion or deletion moved;
     // a position whose element a deletion took away becomes NoPosition.
-    // Bounds changes (code 3) leave the position alone.  Returns 0.
+    // Bounds changes leave the position alone.  Returns 0.
     int OnNotification(int code, SCC_ArrayParam* param) override {
         if (!param) {
             SSM_CheckFailed("", "scc/scc_arr", 255);
             return 0;
         }
-        if (code != 1 && code != 2) return 0;
+        if (code != SCC_ArrayInserted && code != SCC_ArrayDeleted) return 0;
         const long long p = m_Position;
         const SCC_ArrayParam& a = *param;
         if (p <= a.m_BackwardFrom &&
@@ -358,7 +368,7 @@ public:
         else if (p >= a.m_ForwardFrom &&
                  p <= static_cast<long long>(a.m_ForwardFrom) + a.m_ForwardCount)
             m_Position = Wrap(p + a.m_ForwardTo - a.m_ForwardFrom);
-        else if (code == 2)
+        else if (code == SCC_ArrayDeleted)
             m_Position = NoPosition;
         return 0;
     }
@@ -397,7 +407,7 @@ public:
     SCC_Array<T>* m_Array;
 
 private:
-    static int Wrap(long long v) { return static_cast<int>(static_cast<unsigned int>(v)); }
+    static int Wrap(long long v) { return SYS_Wrap32(v); }
 };
 
 #endif // SCC_ARRAY_H

@@ -10,9 +10,9 @@
 //                  failures, in silent mode or for disabled sites);
 //   FailureEvent - every failure that is handled;
 //   NotifyEvent  - handled failures of sites that are enabled for it.
-// Action codes: 0 continue, 1 fail (the caller then calls SSM_Throw),
-// 2 request an exception, 3 request an exception with this record as the
-// fatal record.  A requested exception is SSM::FatalException when a fatal
+// Action codes (SSM_Action): continue, fail (the caller then calls
+// SSM_Throw), request an exception, request an exception with this record as
+// the fatal record.  A requested exception is SSM::FatalException when a fatal
 // record was chosen, else the record of the failure being handled (thrown as
 // SSM::AssertData*), else nothing.
 //
@@ -27,6 +27,14 @@
 
 #include <map>
 #include <vector>
+
+// The action codes that ActionEvent listeners store in AssertData::Action.
+enum SSM_Action {
+    SSM_ActionContinue = 0,  // carry on: SSM_AssertFailed returns 1
+    SSM_ActionFail = 1,      // SSM_AssertFailed returns 0; the caller calls SSM_Throw
+    SSM_ActionThrow = 2,     // throw the failing record once handling is done
+    SSM_ActionThrowFatal = 3 // throw SSM::FatalException naming this record
+};
 
 class KEEL_API SSM {
 public:

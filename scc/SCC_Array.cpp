@@ -1,21 +1,15 @@
 // SCC_Array.cpp - the untyped array engine: bounds, growth, block moves,
 // announcements and sorting.
 #include "SCC_Array.h"
-#include "ssm/SSM_Check.h"
+// Index arithmetic wraps at 32 bits, as int arithmetic does on the platforms
+// the array layout was made for.
+#include "internal/SYS_Int32.h"
+#include "ssm/internal/SSM_Check.h"
 
 #include <algorithm>
 #include <climits>
 
 namespace {
-
-// Index arithmetic wraps at 32 bits, as int arithmetic does on the platforms
-// the array layout was made for; done on unsigned values to stay defined.
-int Add(int a, int b) {
-    return static_cast<int>(static_cast<unsigned int>(a) + static_cast<unsigned int>(b));
-}
-int Sub(int a, int b) {
-    return static_cast<int>(static_cast<unsigned int>(a) - static_cast<unsigned int>(b));
-}
 
 // Pending ranges of one quicksort.  Each pushed range is the larger part of
 // its partition, so 30 entries cover every range an int-indexed array has.
@@ -172,18 +166,19 @@ void _SCC_Array::ChangeBounds(int lo, int hi) {
         const int from = std::max(oldLower, buffer->m_Lower);
         const int to = std::min(oldUpper, buffer->m_Upper);
         if (to > from)
-            CopyData(buffer, Sub(from, buffer->m_AllocLower), Sub(from, oldAlloc), to - from);
+            CopyData(buffer, SYS_Sub32(from, buffer->m_AllocLower), SYS_Sub32(from, oldAlloc),
+                     to - from);
     }
     Adopt(buffer);
 
     SCC_ArrayParam param = {};
     param.m_Array = this;
-    m_Event.Notify(3, &param);
+    m_Event.Notify(SCC_ArrayBoundsChanged, &param);
 }
 
 void _SCC_Array::CheckArray(int index) {
     if (index >= GetUpperBound()) {
-        ChangeBounds(GetLowerBound(), Add(index, 1));
+        ChangeBounds(GetLowerBound(), SYS_Add32(index, 1));
     } else if (index < GetLowerBound()) {
         ChangeBounds(index, GetUpperBound());
     } else {
@@ -206,18 +201,18 @@ void _SCC_Array::MoveBlocks(const SCC_ArrayParam& param, _SCC_ArrayBuffer* cur, 
     if (buffer) {
         const int newAlloc = buffer->m_AllocLower;
         if (forward || moved)
-            CopyData(buffer, Sub(param.m_ForwardTo, newAlloc), Sub(param.m_ForwardFrom, alloc),
-                     param.m_ForwardCount);
+            CopyData(buffer, SYS_Sub32(param.m_ForwardTo, newAlloc),
+                     SYS_Sub32(param.m_ForwardFrom, alloc), param.m_ForwardCount);
         if (backward || moved)
-            CopyData(buffer, Sub(param.m_BackwardTo, newAlloc), Sub(param.m_BackwardFrom, alloc),
-                     -param.m_BackwardCount);
+            CopyData(buffer, SYS_Sub32(param.m_BackwardTo, newAlloc),
+                     SYS_Sub32(param.m_BackwardFrom, alloc), -param.m_BackwardCount);
     }
     if (moved) Adopt(buffer);
 }
 
 void _SCC_Array::Insert(int index, int count) {
     _SCC_ArrayBuffer* cur = GetData();
-    const int end = Add(index, count);
+    const int end = SYS_Add32(index, count);
 
     SCC_ArrayParam param = {};
     param.m_Index = index;
@@ -233,7 +228,7 @@ void _SCC_Array::Insert(int index, int count) {
         const int upper = cur->m_Upper;
         const int n = GetCount();
         param.m_ForwardFrom = param.m_ForwardTo = lower;
-        param.m_BackwardFrom = param.m_BackwardTo = Sub(upper, 1);
+        param.m_BackwardFrom = param.m_BackwardTo = SYS_Sub32(upper, 1);
         newLo = lower;
         newHi = upper;
         if (index < lower) {
@@ -242,8 +237,8 @@ void _SCC_Array::Insert(int index, int count) {
             newLo = std::min(index, end);
             param.m_BackwardCount = n;
             if (end > lower) {
-                newHi = Add(n, end);
-                param.m_BackwardTo = Sub(newHi, 1);
+                newHi = SYS_Add32(n, end);
+                param.m_BackwardTo = SYS_Sub32(newHi, 1);
                 backward = true;
             }
         } else if (index >= upper) {
@@ -251,7 +246,7 @@ void _SCC_Array::Insert(int index, int count) {
             newHi = std::max(end, index);
             param.m_ForwardCount = n;
             if (end < upper) {
-                newLo = Add(Sub(index, n), count);
+                newLo = SYS_Add32(SYS_Sub32(index, n), count);
                 param.m_ForwardTo = newLo;
                 forward = true;
             }
@@ -259,12 +254,12 @@ void _SCC_Array::Insert(int index, int count) {
             param.m_BackwardCount = upper - index;
             param.m_ForwardCount = index - lower;
             if (count > 0) {
-                param.m_BackwardTo = Add(upper - 1, count);
-                newHi = Add(upper, count);
+                param.m_BackwardTo = SYS_Add32(upper - 1, count);
+                newHi = SYS_Add32(upper, count);
                 backward = true;
             } else {
-                param.m_ForwardTo = Add(lower, count);
-                newLo = Add(lower, count);
+                param.m_ForwardTo = SYS_Add32(lower, count);
+                newLo = SYS_Add32(lower, count);
                 forward = true;
             }
         }
@@ -272,7 +267,7 @@ void _SCC_Array::Insert(int index, int count) {
 
     MoveBlocks(param, cur, newLo, newHi, forward, backward);
 
-    m_Event.Notify(1, &param);
+    m_Event.Notify(SCC_ArrayInserted, &param);
 }
 
 void _SCC_Array::Delete(int index, int count) {
@@ -290,7 +285,7 @@ void _SCC_Array::Delete(int index, int count) {
     param.m_Array = this;
     param.m_ForwardFrom = param.m_ForwardTo = hiEdge;
     param.m_ForwardCount = upper - hiEdge;
-    param.m_BackwardFrom = param.m_BackwardTo = Sub(loEdge, 1);
+    param.m_BackwardFrom = param.m_BackwardTo = SYS_Sub32(loEdge, 1);
     param.m_BackwardCount = loEdge - lower;
     int newLo = lower;
     int newHi = upper;
@@ -307,7 +302,7 @@ void _SCC_Array::Delete(int index, int count) {
         // A count that is not positive lowers the lower bound by |count| and
         // moves the block below `index` up so that its last element lands on
         // `index`: one place further than the width removed.
-        newLo = Add(lower, count);
+        newLo = SYS_Add32(lower, count);
         param.m_BackwardTo = index;
         param.m_RemovedFrom = e;
         param.m_RemovedCount = -count;
@@ -315,7 +310,7 @@ void _SCC_Array::Delete(int index, int count) {
     }
 
     // Listeners see the doomed elements before anything changes.
-    m_Event.Notify(2, &param);
+    m_Event.Notify(SCC_ArrayDeleted, &param);
 
     MoveBlocks(param, GetData(), newLo, newHi, forward, backward);
 }
@@ -331,7 +326,7 @@ void _SCC_Array::Clear() {
     param.m_RemovedFrom = lower;
     param.m_RemovedCount = upper - lower;
     SetData(nullptr);
-    m_Event.Notify(2, &param);
+    m_Event.Notify(SCC_ArrayDeleted, &param);
 }
 
 // ---------------------------------------------------------------------------

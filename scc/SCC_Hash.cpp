@@ -1,6 +1,7 @@
 // SCC_Hash.cpp - hash and comparison helpers for hash-table keys.
 #include "SCC_Hash.h"
-#include "sys/SYS_Mbcs.h"
+#include "internal/SYS_Int32.h"
+#include "sys/internal/SYS_Mbcs.h"
 
 #include <algorithm>
 #include <cctype>
@@ -47,7 +48,7 @@ uint32_t UnsignedRemainder(uint32_t x, long size) {
 long AddressHash(const void* p, long size) {
     uint32_t address = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(p));
     int32_t r = static_cast<int32_t>(UnsignedRemainder(address, size));
-    if (r < 0) r = static_cast<int32_t>(static_cast<uint32_t>(r) + UnsignedSize(size));
+    if (r < 0) r = SYS_Add32(r, size);
     return r;
 }
 
@@ -55,8 +56,6 @@ int AddressCompare(const void* a, const void* b) {
     uintptr_t x = reinterpret_cast<uintptr_t>(a), y = reinterpret_cast<uintptr_t>(b);
     return x == y ? 0 : (x > y ? 1 : -1);
 }
-
-const char* NotNull(const char* s) { return s ? s : ""; }
 
 // A 32-bit result as the signed long it reads as.
 long Signed(uint32_t v) { return static_cast<int32_t>(v); }
@@ -89,10 +88,8 @@ long SCC_Hash(const void* const& p, long size) { return AddressHash(p, size); }
 long SCC_Hash(void* const& p, long size) { return AddressHash(p, size); }
 
 long SCC_Hash(const SYS_Point& p, long size) {
-    uint32_t product = static_cast<uint32_t>(p.x) * static_cast<uint32_t>(p.y);
-    int32_t v = static_cast<int32_t>(product);
-    // |v| in 32 bits: the most negative value is its own negation.
-    int32_t magnitude = v < 0 ? static_cast<int32_t>(0u - product) : v;
+    // |x * y| in 32 bits: the most negative value is its own negation.
+    int32_t magnitude = SYS_Abs32(SYS_Mul32(p.x, p.y));
     int32_t d = static_cast<int32_t>(size);
     // The remainder is taken in 64 bits so that the most negative value by -1
     // gives 0 instead of trapping; a zero size leaves |v| as it is.
@@ -106,7 +103,7 @@ int SCC_Compare(const double& a, const double& b) {
 }
 
 int SCC_Compare(const char* const& a, const char* const& b) {
-    return SYS_MbsCmp(NotNull(a), NotNull(b));
+    return SYS_MbsCmp(SYS_NotNull(a), SYS_NotNull(b));
 }
 
 int SCC_Compare(const SYS_StringBase& a, const SYS_StringBase& b) {
@@ -122,7 +119,7 @@ int SCC_Compare(const void* const& a, const void* const& b) { return AddressComp
 int SCC_Compare(void* const& a, void* const& b) { return AddressCompare(a, b); }
 
 int SCC_Compare(const SYS_Point& a, const SYS_Point& b) {
-    uint32_t dx = static_cast<uint32_t>(a.x) - static_cast<uint32_t>(b.x);
-    if (dx) return static_cast<int32_t>(dx);
-    return static_cast<int32_t>(static_cast<uint32_t>(a.y) - static_cast<uint32_t>(b.y));
+    int32_t dx = SYS_Sub32(a.x, b.x);
+    if (dx) return dx;
+    return SYS_Sub32(a.y, b.y);
 }

@@ -1,7 +1,7 @@
 // SCC_List.cpp - the reference list and its nodes, and the one instantiation
 // of the list templates that the library carries.
 #include "SCC_List.h"
-#include "ssm/SSM_Check.h"
+#include "ssm/internal/SSM_Check.h"
 
 template class SCC_SListNode<SCC_DListRefNode>;
 template class SCC_DListNode<SCC_DListRefNode>;

@@ -84,24 +84,25 @@ int SSM::AssertFailed(const char* message, const char* file, int line, SSM_Failu
         ActiveStack.push_back(CurrentAssert);
         CurrentAssert = r;
         ++r->Count;
-        r->Action = 0;
+        r->Action = SSM_ActionContinue;
         r->Message = message;
 
         if (type == SSM_FailureFatal) {
             requested = true;
         } else if (SilentMode == 0 && r->Enabled) {
-            r->Action = (Depth >= 1 && type != SSM_FailureSoft) ? 1 : 0;
+            r->Action =
+                (Depth >= 1 && type != SSM_FailureSoft) ? SSM_ActionFail : SSM_ActionContinue;
             ActionEvent.Notify(type, AsEventData(r));
             switch (r->Action) {
-            case 0:
+            case SSM_ActionContinue:
                 break;
-            case 1:
+            case SSM_ActionFail:
                 result = 0;
                 break;
-            case 2:
+            case SSM_ActionThrow:
                 requested = true;
                 break;
-            case 3:
+            case SSM_ActionThrowFatal:
                 requested = true;
                 FatalAssert = r;
                 break;
@@ -117,7 +118,7 @@ int SSM::AssertFailed(const char* message, const char* file, int line, SSM_Failu
         FailureEvent.Notify(type, AsEventData(r));
         if (r->NotifyEnabled && r->Enabled) NotifyEvent.Notify(type, AsEventData(r));
 
-        r->Action = 0;
+        r->Action = SSM_ActionContinue;
         CurrentAssert = ActiveStack.back();
         ActiveStack.pop_back();
     }

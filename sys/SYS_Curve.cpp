@@ -1,6 +1,6 @@
 // SYS_Curve.cpp - lengths, angles and boxes of segments, circles and arcs.
 #include "SYS_Curve.h"
-#include "sys/SYS_GeomMath.h"
+#include "sys/internal/SYS_GeomMath.h"
 
 #include <algorithm>
 
@@ -45,9 +45,7 @@ long SYS_Arc::GetSizeAngle() const {
     return d;
 }
 
-double SYS_Arc::GetLength() const {
-    return GetSizeAngle() * SYS_GEOM_PI / SYS_GEOM_HALF_TURN * radius;
-}
+double SYS_Arc::GetLength() const { return GetSizeAngle() * SYS_GEOM_PI / SYS_HALF_TURN * radius; }
 
 // Both walks work in the frame of a counter-clockwise arc: multiplying the
 // offsets from the center by the direction s turns a clockwise arc into one.

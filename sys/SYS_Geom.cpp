@@ -1,6 +1,6 @@
 // SYS_Geom.cpp - arithmetic of points, locations, positions and boxes.
 #include "SYS_Geom.h"
-#include "sys/SYS_GeomMath.h"
+#include "sys/internal/SYS_GeomMath.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,5 @@
 // SYS_Locale.cpp - locale character set detection and UTF-16 conversion.
-#include "sys/SYS_Locale.h"
+#include "sys/internal/SYS_Locale.h"
 #include "SYS_CodePage.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 // SYS_Mbcs.cpp - code page state and multibyte character primitives.
-#include "sys/SYS_Mbcs.h"
-#include "sys/SYS_Locale.h"
+#include "sys/internal/SYS_Mbcs.h"
+#include "sys/internal/SYS_Locale.h"
 #include "SYS_CodePage.h"
 
 #include <cctype>

@@ -1,5 +1,5 @@
 // SYS_Numbers.cpp - decimal number parsing with fixed 32-bit limits.
-#include "sys/SYS_Numbers.h"
+#include "sys/internal/SYS_Numbers.h"
 
 #include <cctype>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // SYS_Resource.cpp - TR: resource texts by number, literals passed through.
 #include "SYS_Resource.h"
 
-#include "sys/SYS_ResourceTable.h"
+#include "sys/internal/SYS_ResourceTable.h"
 
 SYS_StringBase TR(int id) {
     char buffer[1024];

@@ -4,7 +4,7 @@
 // library and its host (value parsing, frame and dialog words, database
 // message prefixes, selection words, the system-error fallback, unit system
 // names and unit prefix messages).  45118 is deliberately absent.
-#include "sys/SYS_ResourceTable.h"
+#include "sys/internal/SYS_ResourceTable.h"
 
 #include <algorithm>
 #include <cstring>

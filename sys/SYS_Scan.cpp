@@ -1,8 +1,8 @@
 // SYS_Scan.cpp - number scanners, natural comparison and field extraction.
 #include "SYS_Scan.h"
 #include "SYS_String.h"
-#include "sys/SYS_Mbcs.h"
-#include "sys/SYS_Numbers.h"
+#include "sys/internal/SYS_Mbcs.h"
+#include "sys/internal/SYS_Numbers.h"
 
 #include <cctype>
 

@@ -1,9 +1,9 @@
 // SYS_String.cpp - SYS_StringBase and its free operators.
 #include "SYS_String.h"
 #include "SYS_Scan.h"
-#include "sys/SYS_Locale.h"
-#include "sys/SYS_Mbcs.h"
-#include "sys/SYS_Numbers.h"
+#include "sys/internal/SYS_Locale.h"
+#include "sys/internal/SYS_Mbcs.h"
+#include "sys/internal/SYS_Numbers.h"
 
 #include <cctype>
 #include <cstdio>
@@ -33,13 +33,11 @@ void CheckGrowth(const std::string& body, size_t extra) {
     if (extra > body.max_size() - body.size()) LengthError();
 }
 
-inline const char* NotNull(const char* s) { return s ? s : ""; }
-
 } // namespace
 
 SYS_StringBase::SYS_StringBase() = default;
 SYS_StringBase::SYS_StringBase(const SYS_StringBase& other) = default;
-SYS_StringBase::SYS_StringBase(const char* s) : body(NotNull(s)) {}
+SYS_StringBase::SYS_StringBase(const char* s) : body(SYS_NotNull(s)) {}
 SYS_StringBase::SYS_StringBase(const char* s, int n) {
     if (s) body.assign(s, CheckedSize(n));
 }
@@ -57,7 +55,7 @@ const SYS_StringBase& SYS_StringBase::operator=(const SYS_StringBase& other) {
 }
 
 const SYS_StringBase& SYS_StringBase::operator=(const char* s) {
-    body = std::string(NotNull(s));
+    body = std::string(SYS_NotNull(s));
     return *this;
 }
 
@@ -77,7 +75,7 @@ void SYS_StringBase::SetAt(int i, char c) {
 int SYS_StringBase::StringLength(const char* s) { return static_cast<int>(std::strlen(s)); }
 
 void SYS_StringBase::ConcatCopy(int, const char* s1, int, const char* s2) {
-    std::string joined(NotNull(s1));
+    std::string joined(SYS_NotNull(s1));
     size_t n2 = std::strlen(s2);
     CheckGrowth(joined, n2);
     joined.append(s2, n2);

@@ -1,6 +1,6 @@
 // SYS_Transform.cpp - SYS_Transform and the images of the geometry values.
 #include "SYS_Transform.h"
-#include "sys/SYS_GeomMath.h"
+#include "sys/internal/SYS_GeomMath.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 // Tests of the assertion manager: records, the action protocol, nesting,
 // exceptions and errno.
 #include "SSM.h"
-#include "ssm/SSM_Check.h"
+#include "ssm/internal/SSM_Check.h"
 
 #include <gtest/gtest.h>
 

@@ -10,6 +10,9 @@
 
 #include <cstddef>
 
+// A C text argument where null stands for the empty text.
+inline const char* SYS_NotNull(const char* s) { return s ? s : ""; }
+
 // The lead-byte table of the code page in force, built on first use.
 struct SYS_LeadByteTable {
     bool ready;
