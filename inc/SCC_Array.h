@@ -161,6 +161,8 @@ public:
     SCC_Event<SCC_ArrayParam> m_Event;
 
 private:
+    friend class _SCC_ArraySortOps;
+
     // SetData(buffer), then frees `buffer` when SetData did not keep it.
     void Adopt(_SCC_ArrayBuffer* buffer);
     // Reallocates for Insert and Delete and moves the runs they announce.

@@ -163,8 +163,9 @@ public:
     // A node may raise the event again, attach, detach or disable it.  If a
     // notification throws, the cursor is popped and the exception passes on.
     int Notify(int code, T* data) {
-        Saver saver(this);
+        // A disabled event would push a cursor and pop it again untouched.
         if (!enabled) return 0;
+        Saver saver(this);
         do {
             Node* node = saver.root;
             if (node == this) break;

@@ -19,8 +19,10 @@
 #define SCC_SORTABLEARRAY_H
 
 #include "SCC_Array.h"
+#include "internal/SCC_QuickSort.h"
 
 #include <climits>
+#include <typeinfo>
 #include <type_traits>
 #include <utility>
 
@@ -94,8 +96,25 @@ public:
         if (a && b && a != b) std::swap(*a, *b);
     }
 
-    // Records `direction` in the block and sorts start..start+count-1.
+    // Records `direction` in the block and sorts start..start+count-1.  When
+    // nobody overrides the sorting operations, the range lies within the
+    // bounds and the block can be made private, the same quicksort runs
+    // inline over the storage, making the same comparisons and swaps.
     void Sort(long start, long count, int direction) override {
+        Buffer* b = this->m_Buffer;
+        if (count >= 2 && direction != 0 && b && start >= b->m_Lower &&
+            start + count <= b->m_Upper && typeid(*this) == typeid(SCC_SortableArray)) {
+            b->m_SortOrder = direction; // before the block may be copied
+            T* first = this->WritableSlot(static_cast<int>(start));
+            if (first) {
+                const Comparer comp(*this);
+                if (comp.IsPlainAscending())
+                    SortRun(first, start, count, PlainAscending(), direction);
+                else
+                    SortRun(first, start, count, comp, direction);
+                return;
+            }
+        }
         _SCC_Array::Sort(start, count, direction);
     }
 
@@ -117,36 +136,22 @@ public:
             first = last = 0;
             return;
         }
-        first = this->GetLowerBound();
-        last = static_cast<long>(this->GetUpperBound()) - 1;
-        long long cf = CompItem(first, item);
-        long long cl = CompItem(last, item);
-        if (cf >= 0) {
-            last = first;
-        } else if (cl < 0) {
-            first = last = last + 1;
-        } else if (cl == 0) {
-            first = last;
-            last = last + 1;
-        } else {
-            // Bisect while element `first` is below and element `last` above.
-            while (last - first > 0) {
-                long mid = (first + last) / 2;
-                const long long cm = CompItem(mid, item);
-                if (cm * cf <= 0) {
-                    cl = cm;
-                    if (last == mid && cm != 0) mid = mid - 1;
-                    last = mid;
-                }
-                if (cm * cl <= 0) {
-                    cf = cm;
-                    if (first == mid && cm != 0) mid = mid + 1;
-                    first = mid;
-                }
-            }
+        // Every element is read through the writable accessor: make the
+        // block private once, then read the storage directly.  Without
+        // storage every element reads as equal, so the run is the whole array.
+        const long lower = this->GetLowerBound();
+        const long upper = this->GetUpperBound();
+        const T* at = this->WritableSlot(static_cast<int>(lower));
+        if (!at) {
+            first = lower;
+            last = upper;
+            return;
         }
-        while (first > this->GetLowerBound() && CompItem(first - 1, item) == 0) --first;
-        while (last < this->GetUpperBound() && CompItem(last, item) == 0) ++last;
+        const Comparer comp(*this);
+        if (comp.IsPlainAscending())
+            FindRun(at, PlainAscending(), item, first, last);
+        else
+            FindRun(at, comp, item, first, last);
     }
 
     // Inserts `item` after every element equal to it; returns its index.
@@ -173,21 +178,115 @@ public:
     }
 
 private:
-    // The comparison result times the block's recorded direction, kept
-    // within int.
-    int Directed(long long c) const {
-        const long long order = this->m_Buffer ? this->m_Buffer->m_SortOrder : 1;
+    using Buffer = typename Base::Buffer;
+
+    // The comparison result times a recorded direction, kept within int.
+    static int Directed(long long c, long long order) {
         const long long r = c * order;
         return r > INT_MAX ? INT_MAX : r < INT_MIN ? INT_MIN : static_cast<int>(r);
+    }
+    int Directed(long long c) const {
+        return Directed(c, this->m_Buffer ? this->m_Buffer->m_SortOrder : 1);
+    }
+
+    // Comp's arithmetic on two elements, with the comparison in force and the
+    // block's direction looked up once: a comparison object of exactly
+    // SCC_Sort<T> is called through its function or the default order
+    // inline, any other through its virtual Compare.
+    class Comparer {
+    public:
+        explicit Comparer(SCC_SortableArray& array)
+            : m_Sort(array.m_Sort.operator->()),
+              m_Exact(m_Sort && typeid(*m_Sort) == typeid(SCC_Sort<T>)),
+              m_Function(m_Sort ? m_Sort->m_Function : nullptr),
+              m_Order(array.m_Buffer ? array.m_Buffer->m_SortOrder : 1) {}
+        int operator()(const T& a, const T& b) const {
+            long long c = 0;
+            if (m_Exact)
+                c = m_Function ? m_Function(a, b) : SCC_DefaultCompare<T>::Compare(a, b);
+            else if (m_Sort)
+                c = m_Sort->Compare(a, b);
+            return Directed(c, m_Order);
+        }
+        // The default order of exactly SCC_Sort<T>, ascending.
+        bool IsPlainAscending() const { return m_Exact && !m_Function && m_Order == 1; }
+
+    private:
+        SCC_Sort<T>* m_Sort;
+        bool m_Exact;
+        typename SCC_Sort<T>::Function m_Function;
+        long long m_Order;
+    };
+
+    // The default order in the ascending direction: what Comparer gives when
+    // IsPlainAscending, without its tests.
+    struct PlainAscending {
+        int operator()(const T& a, const T& b) const {
+            return SCC_DefaultCompare<T>::Compare(a, b);
+        }
+    };
+
+    // The sorting engine's operations on storage whose first slot holds
+    // element `origin`.  A comparison must not change the array.
+    template <class Order> struct InlineOps {
+        T* base;
+        long origin;
+        Order comp;
+        T& At(long i) { return base[i - origin]; }
+        int Comp(long i, long j) { return comp(At(i), At(j)); }
+        void Swap(long i, long j) {
+            if (i != j) std::swap(At(i), At(j));
+        }
+        void ShortSort(long lo, long hi) { SCC_SelectionSort(*this, lo, hi); }
+    };
+
+    template <class Order>
+    static void SortRun(T* first, long start, long count, const Order& comp, int direction) {
+        InlineOps<Order> ops{first, start, comp};
+        SCC_QuickSort(ops, start, start + count - 1, direction > 0);
+    }
+
+    // The search of FindItemPosition over storage whose first slot holds the
+    // element of the lower bound.
+    template <class Order>
+    void FindRun(const T* at, const Order& comp, const T& item, long& first, long& last) {
+        const long lower = this->GetLowerBound();
+        const long upper = this->GetUpperBound();
+        // Element i is at[i - lower].
+        first = lower;
+        last = upper - 1;
+        long long cf = comp(at[first - lower], item);
+        long long cl = comp(at[last - lower], item);
+        if (cf >= 0) {
+            last = first;
+        } else if (cl < 0) {
+            first = last = last + 1;
+        } else if (cl == 0) {
+            first = last;
+            last = last + 1;
+        } else {
+            // Bisect while element `first` is below and element `last` above.
+            while (last - first > 0) {
+                long mid = (first + last) / 2;
+                const long long cm = comp(at[mid - lower], item);
+                if (cm * cf <= 0) {
+                    cl = cm;
+                    if (last == mid && cm != 0) mid = mid - 1;
+                    last = mid;
+                }
+                if (cm * cl <= 0) {
+                    cf = cm;
+                    if (first == mid && cm != 0) mid = mid + 1;
+                    first = mid;
+                }
+            }
+        }
+        while (first > lower && comp(at[first - 1 - lower], item) == 0) --first;
+        while (last < upper && comp(at[last - lower], item) == 0) ++last;
     }
 
     // A missing comparison (after SetSort(nullptr)) finds everything equal.
     int Compare(const T& a, const T& b) { return m_Sort ? m_Sort->Compare(a, b) : 0; }
-
-    int CompItem(long i, const T& item) {
-        T* a = this->WritableSlot(static_cast<int>(i));
-        return a ? Directed(Compare(*a, item)) : 0;
-    }
 
     virtual int CompItems(const T& a, const T& b) { return Directed(Compare(a, b)); }
 

@@ -253,6 +253,12 @@ public:
         return SYS_Box(SYS_COORD_LIMIT, SYS_COORD_LIMIT, -SYS_COORD_LIMIT, -SYS_COORD_LIMIT);
     }
 
+    // Whether this is the box that Null() returns.
+    bool IsNull() const {
+        return lowerLeft.x == SYS_COORD_LIMIT && lowerLeft.y == SYS_COORD_LIMIT &&
+               upperRight.x == -SYS_COORD_LIMIT && upperRight.y == -SYS_COORD_LIMIT;
+    }
+
     void Set(const SYS_Point& p, long size);
     void Set(const SYS_Point& ll, const SYS_Point& ur) { lowerLeft = ll, upperRight = ur; }
     void Set(long l, long lo, long r, long up) { lowerLeft.Set(l, lo), upperRight.Set(r, up); }
@@ -308,8 +314,20 @@ public:
     void Expand(long d);
     void Normalize();
     // Union; a null box (see Null) on either side is skipped, any other box,
-    // even the empty one, counts.
-    void Combine(const SYS_Box& other);
+    // even the empty one, counts.  Inline: bounding-box loops call it per item.
+    void Combine(const SYS_Box& other) {
+        if (IsNull()) {
+            *this = other;
+            return;
+        }
+        if (other.IsNull()) return;
+        // Branches rather than selects: once the box has grown, a bounding
+        // loop stores nothing, and no store-to-load chain runs through it.
+        if (other.lowerLeft.x < lowerLeft.x) lowerLeft.x = other.lowerLeft.x;
+        if (other.lowerLeft.y < lowerLeft.y) lowerLeft.y = other.lowerLeft.y;
+        if (other.upperRight.x > upperRight.x) upperRight.x = other.upperRight.x;
+        if (other.upperRight.y > upperRight.y) upperRight.y = other.upperRight.y;
+    }
     // Intersection of a and b; returns 1 when it has an area.  Otherwise the
     // box is degenerate (left = right or lower = upper) and 0 is returned.
     int SetAsIntersection(SYS_Box a, SYS_Box b);

@@ -13,9 +13,12 @@
 #ifndef SYS_STRING_H
 #define SYS_STRING_H
 
+#include "internal/SYS_ByteCompare.h"
+#include "internal/SYS_CodePageState.h"
 #include "keel_config.h"
 
 #include <cstdarg>
+#include <cstring>
 #include <string>
 
 class KEEL_API SYS_StringBase {
@@ -111,8 +114,21 @@ public:
     SYS_StringBase& TrimRight(const char* set = nullptr);
     SYS_StringBase& AllTrim(const char* set = nullptr);
 
-    // Comparison.
-    int Compare(const char* s) const;
+    // Comparison, character by character in multibyte order: negative, 0 or
+    // positive.  Under a single-byte code page this is strcmp, inline.
+    int Compare(const char* s) const {
+        if (SYS_SingleByteCodePage) return SYS_Sign(std::strcmp(body.c_str(), s));
+        return CompareMultiByte(s);
+    }
+    // The same for a string object, whose known length lets the single-byte
+    // path compare a word at a time.  This is the order of string-keyed maps.
+    int Compare(const SYS_StringBase& s) const {
+        if (SYS_SingleByteCodePage)
+            return SYS_CompareBytes(body.c_str(), s.body.c_str(),
+                                    (body.size() < s.body.size() ? body.size() : s.body.size()) +
+                                        1);
+        return CompareMultiByte(s.body.c_str());
+    }
     int CompareNoCase(const char* s) const;
     int CompareAlNum(const char* s) const;
 
@@ -129,6 +145,9 @@ public:
     void Reserve(int n);
 
 private:
+    // Compare under any code page, and the first look at the code page.
+    int CompareMultiByte(const char* s) const;
+
     std::string body;
 };
 

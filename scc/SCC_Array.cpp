@@ -3,19 +3,12 @@
 #include "SCC_Array.h"
 // Index arithmetic wraps at 32 bits, as int arithmetic does on the platforms
 // the array layout was made for.
+#include "internal/SCC_QuickSort.h"
 #include "internal/SYS_Int32.h"
 #include "ssm/internal/SSM_Check.h"
 
 #include <algorithm>
 #include <climits>
-
-namespace {
-
-// Pending ranges of one quicksort.  Each pushed range is the larger part of
-// its partition, so 30 entries cover every range an int-indexed array has.
-const int kSortStack = 30;
-
-} // namespace
 
 // ---------------------------------------------------------------------------
 // _SCC_ArrayBuffer
@@ -344,72 +337,26 @@ void _SCC_Array::Sort(long start, long count, int direction) {
     QuickSort(start, start + count - 1, direction);
 }
 
+// The engine's view of an array whose Comp, Swap and ShortSort may be
+// overridden: every step goes through the virtual operations.
+class _SCC_ArraySortOps {
+public:
+    _SCC_ArraySortOps(_SCC_Array& array, int direction) : m_Array(array), m_Direction(direction) {}
+    int Comp(long i, long j) { return m_Array.Comp(i, j); }
+    void Swap(long i, long j) { m_Array.Swap(i, j); }
+    void ShortSort(long lo, long hi) { m_Array.ShortSort(lo, hi, m_Direction); }
+
+private:
+    _SCC_Array& m_Array;
+    int m_Direction;
+};
+
 void _SCC_Array::QuickSort(long lo, long hi, int direction) {
-    long pendingLo[kSortStack];
-    long pendingHi[kSortStack];
-    int pending = 0;
-    // Hands a range to the stack, or sorts it at once should the stack be full.
-    auto push = [&](long l, long h) {
-        if (pending < kSortStack) {
-            pendingLo[pending] = l;
-            pendingHi[pending] = h;
-            ++pending;
-        } else {
-            QuickSort(l, h, direction);
-        }
-    };
-    const bool ascending = direction > 0;
-
-    for (;;) {
-        const long size = hi - lo + 1;
-        bool more = false;
-        if (size <= 8) {
-            ShortSort(lo, hi, direction);
-        } else {
-            // The middle element becomes the pivot at lo.
-            Swap(lo + size / 2, lo);
-            long up = lo;
-            long down = hi + 1;
-            for (;;) {
-                do {
-                    ++up;
-                } while (up <= hi && (ascending ? Comp(up, lo) <= 0 : Comp(up, lo) >= 0));
-                do {
-                    --down;
-                } while (down > lo && (ascending ? Comp(down, lo) >= 0 : Comp(down, lo) <= 0));
-                if (down < up) break;
-                Swap(up, down);
-            }
-            Swap(lo, down);
-
-            // Keep the larger part for later and go on with the smaller one.
-            if (down - 1 - lo >= hi - up) {
-                if (lo + 1 < down) push(lo, down - 1);
-                if (up < hi) {
-                    lo = up;
-                    more = true;
-                }
-            } else {
-                if (up < hi) push(up, hi);
-                if (lo + 1 < down) {
-                    hi = down - 1;
-                    more = true;
-                }
-            }
-        }
-        if (more) continue;
-        if (pending == 0) return;
-        --pending;
-        lo = pendingLo[pending];
-        hi = pendingHi[pending];
-    }
+    _SCC_ArraySortOps ops(*this, direction);
+    SCC_QuickSort(ops, lo, hi, direction > 0);
 }
 
-void _SCC_Array::ShortSort(long lo, long hi, int) {
-    for (long last = hi; last > lo; --last) {
-        long greatest = lo;
-        for (long p = lo + 1; p <= last; ++p)
-            if (Comp(p, greatest) > 0) greatest = p;
-        Swap(greatest, last);
-    }
+void _SCC_Array::ShortSort(long lo, long hi, int direction) {
+    _SCC_ArraySortOps ops(*this, direction);
+    SCC_SelectionSort(ops, lo, hi);
 }

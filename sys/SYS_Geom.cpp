@@ -121,11 +121,6 @@ SYS_Position SYS_Position::operator+(const SYS_Position& p) const {
 
 namespace {
 
-bool IsNullBox(const SYS_Box& b) {
-    return b.lowerLeft.x == SYS_COORD_LIMIT && b.lowerLeft.y == SYS_COORD_LIMIT &&
-           b.upperRight.x == -SYS_COORD_LIMIT && b.upperRight.y == -SYS_COORD_LIMIT;
-}
-
 // One edge of the coverage function along an axis: this box contributes
 // weight 1, the other box weight 2, positive at the low edge.
 struct ClipEdge {
@@ -203,18 +198,6 @@ void SYS_Box::Expand(long d) {
 void SYS_Box::Normalize() {
     if (lowerLeft.x > upperRight.x) std::swap(lowerLeft.x, upperRight.x);
     if (lowerLeft.y > upperRight.y) std::swap(lowerLeft.y, upperRight.y);
-}
-
-void SYS_Box::Combine(const SYS_Box& other) {
-    if (IsNullBox(*this)) {
-        *this = other;
-        return;
-    }
-    if (IsNullBox(other)) return;
-    lowerLeft.x = std::min(lowerLeft.x, other.lowerLeft.x);
-    lowerLeft.y = std::min(lowerLeft.y, other.lowerLeft.y);
-    upperRight.x = std::max(upperRight.x, other.upperRight.x);
-    upperRight.y = std::max(upperRight.y, other.upperRight.y);
 }
 
 int SYS_Box::SetAsIntersection(SYS_Box a, SYS_Box b) {

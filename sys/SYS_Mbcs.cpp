@@ -2,11 +2,13 @@
 #include "sys/internal/SYS_Mbcs.h"
 #include "sys/internal/SYS_Locale.h"
 #include "SYS_CodePage.h"
+#include "internal/SYS_CodePageState.h"
 
 #include <cctype>
 #include <cstring>
 
 SYS_LeadByteTable g_SYS_LeadBytes = {};
+int SYS_SingleByteCodePage = 0;
 
 namespace {
 
@@ -33,6 +35,7 @@ void FillLeadBytes(int cp) {
     for (int b = lo2; b <= hi2; ++b) t.lead[b] = true;
     t.doubleByte = cp != 0;
     t.ready = true;
+    SYS_SingleByteCodePage = cp == 0 ? 1 : 0;
     g_CodePage = cp;
 }
 
@@ -118,6 +121,11 @@ size_t SYS_MbsCspn(const char* s, const char* set) {
 }
 
 int SYS_MbsCmp(const char* a, const char* b) {
+    if (!SYS_LeadBytes().doubleByte) {
+        // Byte order is character order here, and strcmp compares bytes as
+        // unsigned char, as the character values do.
+        return SYS_Sign(std::strcmp(a, b));
+    }
     return CompareWith(a, b, [](unsigned v) { return v; });
 }
 

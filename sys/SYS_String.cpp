@@ -360,7 +360,7 @@ SYS_StringBase& SYS_StringBase::TrimRight(const char* set) {
 
 SYS_StringBase& SYS_StringBase::AllTrim(const char* set) { return TrimLeft(set).TrimRight(set); }
 
-int SYS_StringBase::Compare(const char* s) const { return SYS_MbsCmp(GetString(), s); }
+int SYS_StringBase::CompareMultiByte(const char* s) const { return SYS_MbsCmp(GetString(), s); }
 int SYS_StringBase::CompareNoCase(const char* s) const { return SYS_MbsICmp(GetString(), s); }
 int SYS_StringBase::CompareAlNum(const char* s) const { return _tcsnumcmp(GetString(), s); }
 
@@ -372,14 +372,21 @@ void SYS_StringBase::Format(const char* fmt, ...) {
 }
 
 void SYS_StringBase::FormatV(const char* fmt, va_list args) {
-    body.clear();
-    va_list measure;
-    va_copy(measure, args);
-    int count = std::vsnprintf(nullptr, 0, fmt, measure);
-    va_end(measure);
-    if (count <= 0) return;
-    body.resize(static_cast<size_t>(count));
-    std::vsnprintf(&body[0], static_cast<size_t>(count) + 1, fmt, args);
+    // Most texts fit a stack buffer and are formatted once; a longer one is
+    // formatted again into a body of the size the first pass measured.
+    char buffer[512];
+    va_list again;
+    va_copy(again, args);
+    const int count = std::vsnprintf(buffer, sizeof buffer, fmt, args);
+    if (count <= 0) {
+        body.clear();
+    } else if (static_cast<size_t>(count) < sizeof buffer) {
+        body.assign(buffer, static_cast<size_t>(count));
+    } else {
+        body.resize(static_cast<size_t>(count));
+        std::vsnprintf(&body[0], static_cast<size_t>(count) + 1, fmt, again);
+    }
+    va_end(again);
 }
 
 char* SYS_StringBase::GetBuffer(int n) {

@@ -1,0 +1,108 @@
+// A sortable array sorts and searches its own storage directly when nobody
+// overrides its sorting operations.  These tests hold that path to the one
+// that goes through the virtual Comp, Swap and ShortSort: the same order of
+// equal elements, the same comparisons, the same recorded direction.
+#include "SCC_SortableArray.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+struct Item {
+    int key;
+    int id;
+    bool operator==(const Item& o) const { return key == o.key && id == o.id; }
+};
+template <> struct SCC_DefaultCompare<Item> {
+    static int Compare(const Item& a, const Item& b) { return a.key - b.key; }
+};
+
+namespace {
+
+long g_Compares = 0;
+int ByKey(const Item& a, const Item& b) {
+    ++g_Compares;
+    return a.key - b.key;
+}
+
+// Any subclass takes the path through the virtual operations.
+struct Virtual : SCC_SortableArray<Item> {
+    Virtual(int lo, int hi) : SCC_SortableArray<Item>(lo, hi) {}
+};
+
+// A comparison object that is not exactly SCC_Sort<Item>.
+struct Reversed : SCC_Sort<Item> {
+    int Compare(const Item& a, const Item& b) override { return ByKey(b, a); }
+};
+
+struct Outcome {
+    std::vector<int> ids;
+    long compares;
+    int order;
+};
+
+template <class Array>
+Outcome SortWith(int lo, int n, long start, long count, int direction, bool reversed, bool shared,
+                 unsigned seed) {
+    Array a(lo, lo + n);
+    if (reversed)
+        a.SetSort(new Reversed);
+    else
+        a.SetSortFunction(ByKey);
+    for (int i = 0; i < n; ++i) {
+        seed = seed * 1103515245u + 12345u;
+        a[lo + i] = Item{static_cast<int>(seed >> 16) % 7, i};
+    }
+    Array other(a); // shares the block when asked to
+    if (!shared) other.Clear();
+    g_Compares = 0;
+    a.Sort(start, count, direction);
+    Outcome out{{}, g_Compares, a.m_Buffer ? a.m_Buffer->m_SortOrder : 0};
+    for (int i = lo; i < lo + n; ++i) out.ids.push_back(a[i].id);
+    return out;
+}
+
+TEST(SortPaths, DirectSortMatchesTheVirtualOneStepForStep) {
+    struct Case {
+        int lo, n;
+        long start, count;
+        int direction;
+        bool reversed, shared;
+    } cases[] = {
+        {0, 9, 0, 9, 1, false, false},
+        {0, 200, 0, 200, 1, false, false},
+        {-50, 300, -50, 300, -1, false, false},
+        {5, 100, 20, 60, 2, false, false},
+        {0, 150, 0, 150, 1, true, false},
+        {0, 150, 0, 150, -3, true, false},
+        // A shared block is copied on the first access, and the copy starts
+        // ascending again: the sort then compares in that order.
+        {0, 120, 0, 120, -1, false, true},
+    };
+    for (const Case& c : cases) {
+        for (unsigned seed = 1; seed <= 3; ++seed) {
+            Outcome direct = SortWith<SCC_SortableArray<Item>>(
+                c.lo, c.n, c.start, c.count, c.direction, c.reversed, c.shared, seed);
+            Outcome virt = SortWith<Virtual>(c.lo, c.n, c.start, c.count, c.direction, c.reversed,
+                                             c.shared, seed);
+            EXPECT_EQ(direct.ids, virt.ids) << c.n << " " << c.direction << " seed " << seed;
+            EXPECT_EQ(direct.compares, virt.compares) << c.n << " " << c.direction;
+            EXPECT_EQ(direct.order, virt.order) << c.n << " " << c.direction;
+        }
+    }
+}
+
+TEST(SortPaths, SearchOfASharedBlockMakesItPrivateFirst) {
+    SCC_SortableArray<int> a(0, 5);
+    for (int i = 0; i < 5; ++i) a[i] = i * 10;
+    SCC_SortableArray<int> copy(a);
+    ASSERT_EQ(2, a.m_Buffer->m_Count);
+    long first = 0, last = 0;
+    copy.FindItemPosition(20, first, last);
+    EXPECT_EQ(2, first);
+    EXPECT_EQ(3, last);
+    EXPECT_NE(a.m_Buffer, copy.m_Buffer);
+    EXPECT_EQ(1, a.m_Buffer->m_Count);
+}
+
+} // namespace
