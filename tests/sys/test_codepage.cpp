@@ -35,6 +35,9 @@ TEST_F(CodePage932, TrailBytesAreNotCharacters) {
     EXPECT_EQ(s.FindOneOf("\\"), 2);
     EXPECT_EQ(s.ReverseFind('\\', 1), -1);
     EXPECT_EQ(s.ReverseFind('\\', -2), 2);
+    EXPECT_EQ(s.ReverseFind('\\', 2), 2);
+    EXPECT_EQ(SYS_StringBase("\x83\x5C\\").ReverseFind('\\', -2), 2);
+    EXPECT_EQ(SYS_StringBase("a\x83\x5C\\").ReverseFindOneOf("\\", 3), 3);
     EXPECT_EQ(s.Find('\\'), 1); // Find is a byte search
     EXPECT_EQ(SYS_StringBase("a\x83\x5C").ReverseFindOneOf("\\", -2), -1);
     EXPECT_EQ(s.SpanExcluding("\\"), "\x83\x5C");

@@ -207,6 +207,8 @@ TEST(String, ReverseSearchesTakeMinusTwoAndSkipIndexZero) {
     EXPECT_EQ(SYS_StringBase("a/b/c").ReverseFindOneOf("/", 2), 1);
     EXPECT_EQ(SYS_StringBase("a/b/c").ReverseFindOneOf("/", -1), -1);
     EXPECT_EQ(SYS_StringBase("a/b/c").ReverseFindOneOf("/", 5), -1);
+    EXPECT_EQ(SYS_StringBase("a/b/c").ReverseFindOneOf("/", 1), 1); // a match at the start counts
+    EXPECT_EQ(SYS_StringBase("a/b/").ReverseFindOneOf("/", -2), 3); // -2: from the last character
 
     SYS_StringBase name("name.ext");
     EXPECT_EQ(name.ReverseFind('.', -2), 4);
@@ -215,6 +217,8 @@ TEST(String, ReverseSearchesTakeMinusTwoAndSkipIndexZero) {
     EXPECT_EQ(name.ReverseFind('\0', 3), -1);
     EXPECT_EQ(name.ReverseFind('n', 3), 0);
     EXPECT_EQ(name.ReverseFind('e', 4), 3);
+    EXPECT_EQ(name.ReverseFind('e', 3), 3);
+    EXPECT_EQ(SYS_StringBase("name.").ReverseFind('.', -2), 4);
     EXPECT_EQ(SYS_StringBase("abc").ReverseFind('x', 10), -1);
     EXPECT_EQ(SYS_StringBase("abc").ReverseFind('a', -1), -1);
     EXPECT_EQ(name.ReverseFind('.', -2), 4); // the text is unchanged by the search

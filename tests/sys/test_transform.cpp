@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <tuple>
 
 namespace {
@@ -63,6 +65,22 @@ TEST(SysTransform, PointImages) {
     EXPECT_EQ(twice + kO, P(20, 0));
 }
 
+TEST(SysTransform, BatchImagesEqualSingleImages) {
+    const SYS_Transform t = SYS_Transform(kAt, 1, 0, 0) + MADE(SetScale, P(3, -7), 0.7) +
+                            MADE(SetMove, 0.5, -0.25) + MADE(SetRotate, P(5, 5), 12345678);
+    const P points[] = {kO, P(1, 0), P(-3, 4), P(110, 200), P(-12345, 9876), P(200000, -150000)};
+    P batch[std::size(points)];
+    std::copy(std::begin(points), std::end(points), batch);
+    t.Transform(batch, static_cast<int>(std::size(batch)));
+    for (size_t i = 0; i < std::size(points); ++i) EXPECT_EQ(batch[i], t + points[i]) << i;
+
+    std::copy(std::begin(points), std::end(points), batch);
+    t.Transform(batch, 0);
+    t.Transform(batch, -1);
+    t.Transform(nullptr, 3);
+    EXPECT_TRUE(std::equal(std::begin(points), std::end(points), batch));
+}
+
 TEST(SysTransform, AnglesLengthsAndDirectionThresholds) {
     const SYS_Transform turn = MADE(SetRotate, kO, 162000000), mirror = MADE(SetMirror, kO, 0L);
     EXPECT_EQ(turn.CalcAngle(), turn.GetOrientation());
@@ -72,9 +90,28 @@ TEST(SysTransform, AnglesLengthsAndDirectionThresholds) {
     EXPECT_EQ(MADE(SetScale, kO, -0.5).GetOrientation(), 324000000);
     EXPECT_EQ(SYS_Transform(kAt, 1, 0, 0).GetOrientation(), 486000000); // 324e6 + 162e6
     EXPECT_EQ(SYS_Transform(kAt, 0, 0, 0).GetOrientation(), 162000000); // -162e6 + 324e6
-    const SYS_Transform doubling = MADE(SetScale, P(10, 10), 2);
-    EXPECT_EQ(After(5L, [&](long& v) { doubling.Convert(v); }), 10);
-    EXPECT_EQ(doubling - 5L, 3); // 2.5 away from zero
+    // Lengths: v * scale and v / scale, rounded to nearest, halves away from zero.
+    const struct {
+        double scale;
+        long v, times, divided;
+    } lengths[] = {
+        {2, 5, 10, 3},      // 2.5
+        {1.5, 3, 5, 2},     // 4.5
+        {1.5, -3, -5, -2},  // -4.5
+        {0.3, 7, 2, 23},    // 2.1, 23.3
+        {0.3, 9, 3, 30},    // 2.7
+        {0.3, -7, -2, -23}, // -2.1, -23.3
+        {0.3, -9, -3, -30}, // -2.7
+        {4, -10, -40, -3},  // -2.5
+        {3, -8, -24, -3},   // -2.67
+        {0.7, 1, 1, 1},     // 0.7, 1.43
+    };
+    for (const auto& l : lengths) {
+        const SYS_Transform t = MADE(SetScale, P(10, 10), l.scale);
+        EXPECT_EQ(After(l.v, [&](long& v) { t.Convert(v); }), l.times) << l.scale << " " << l.v;
+        EXPECT_EQ(t + l.v, l.times) << l.scale << " " << l.v;
+        EXPECT_EQ(t - l.v, l.divided) << l.scale << " " << l.v;
+    }
 
     // A rotation normalises any vector but a tiny one; a mirror takes only
     // unit vectors and those of length 2 or more.
