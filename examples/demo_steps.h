@@ -1,8 +1,17 @@
 // demo_steps.h - how a keel-demo step registers itself.
 //
-// A demo_<subsystem>.cpp file writes
-//     KEEL_DEMO_STEP(10, "Strings and number scanning") { ...prints... }
-// and keel-demo runs the steps in the order of their numbers.
+// A demo_<family>.cpp file writes
+//     KEEL_DEMO_STEP(10, "Strings and number scanning") {
+//         DemoIntro("What the step shows and why a host application cares.");
+//         ...prints...
+//     }
+// and keel-demo runs the steps in the order of their numbers, titling them
+// 1, 2, 3... in that order.  The numbers leave gaps so that a new family can
+// slot in between: strings 10, assertions 20, arrays 30, geometry 60.
+//
+// Every line a step prints should say what it shows: name codes and types
+// instead of printing raw numbers, and print lengths and angles through the
+// helpers of demo_units.h.
 #ifndef KEEL_DEMO_STEPS_H
 #define KEEL_DEMO_STEPS_H
 
@@ -14,6 +23,10 @@ struct DemoStep {
 
 // Adds a step to the demo; called by KEEL_DEMO_STEP during static set-up.
 bool RegisterDemoStep(int order, const char* title, void (*run)());
+
+// Prints a step's opening text, wrapped at word boundaries, flush left; the
+// step's own lines follow indented by two spaces.
+void DemoIntro(const char* text);
 
 #define KEEL_DEMO_CONCAT2(a, b) a##b
 #define KEEL_DEMO_CONCAT(a, b) KEEL_DEMO_CONCAT2(a, b)
