@@ -17,10 +17,14 @@
 // block.  Iterators hook the event to follow their
 // element.
 //
-// Costs: growth is geometric (twice the element count, at most 10000 spare
-// slots per step unless the request is larger), so appending is amortised
-// O(1); inserting or deleting moves the elements on one side, O(n).  Copying an
-// array is O(1) until it is written.
+// Costs: a new block reserves twice the element count in spare slots, but
+// never more than 10000 per step unless the request is larger.  Up to about
+// 5000 elements appending is amortised O(1); beyond that every 10000 appends
+// copy the whole array, so appending n elements costs O(n^2 / 10000) element
+// copies (1e6 appends copy about 5e7 elements).  The step is part of the
+// array's contract and stays; reserve the bounds first (SCC_Array(lo, hi)) when
+// the size is known.  Inserting or deleting moves the elements on one side,
+// O(n).  Copying an array is O(1) until it is written.
 #ifndef SCC_ARRAY_H
 #define SCC_ARRAY_H
 
@@ -72,7 +76,9 @@ public:
 // What an array announces.  A forward block of m_ForwardCount elements moves
 // its first element from m_ForwardFrom to m_ForwardTo (copied upward); a
 // backward block of m_BackwardCount elements moves its last element from
-// m_BackwardFrom to m_BackwardTo (copied downward).  Unused fields are 0.
+// m_BackwardFrom to m_BackwardTo (copied downward).  A block whose count is 0
+// does not move, whatever its positions say; fields an announcement does not
+// use are 0.
 struct SCC_ArrayParam {
     int m_Index;         // index argument (Clear: old lower bound; bounds change: 0)
     int m_Count;         // count argument (Clear: old element count; bounds change: 0)

@@ -13,8 +13,12 @@
 //
 // Costs: Sort is an in-place quicksort, O(n log n) comparisons on average;
 // FindItemPosition is O(log n) plus the length of the equal run; InsertSorted
-// adds the O(n) move of Insert.  Every element access goes through the
-// writable accessor, so searching a shared array gives it a private block.
+// adds the O(n) move of Insert.  Sorting and searching give a shared array a
+// private block first, as the writable accessor does.  A sortable array that
+// is not subclassed sorts and searches its storage directly, calling its
+// comparison function inline: 1 to 2 times std::sort and std::equal_range.
+// A subclass goes through the virtual Comp and Swap for every step, several
+// times slower.  Either way a comparison must not change the array.
 #ifndef SCC_SORTABLEARRAY_H
 #define SCC_SORTABLEARRAY_H
 
@@ -149,9 +153,9 @@ public:
         }
         const Comparer comp(*this);
         if (comp.IsPlainAscending())
-            FindRun(at, PlainAscending(), item, first, last);
+            FindRun(at, lower, upper, PlainAscending(), item, first, last);
         else
-            FindRun(at, comp, item, first, last);
+            FindRun(at, lower, upper, comp, item, first, last);
     }
 
     // Inserts `item` after every element equal to it; returns its index.
@@ -247,16 +251,16 @@ private:
     }
 
     // The search of FindItemPosition over storage whose first slot holds the
-    // element of the lower bound.
+    // element of the lower bound, for an array of lower..upper-1.
     template <class Order>
-    void FindRun(const T* at, const Order& comp, const T& item, long& first, long& last) {
-        const long lower = this->GetLowerBound();
-        const long upper = this->GetUpperBound();
-        // Element i is at[i - lower].
-        first = lower;
-        last = upper - 1;
-        long long cf = comp(at[first - lower], item);
-        long long cl = comp(at[last - lower], item);
+    static void FindRun(const T* at, long lower, long upper, const Order& comp, const T& item,
+                        long& firstOut, long& lastOut) {
+        // Element i is at[i - lower]; the bounds live in locals so that the
+        // loops below keep them in registers.
+        long first = lower;
+        long last = upper - 1;
+        const int cf = comp(at[first - lower], item);
+        const int cl = comp(at[last - lower], item);
         if (cf >= 0) {
             last = first;
         } else if (cl < 0) {
@@ -266,23 +270,47 @@ private:
             last = last + 1;
         } else {
             // Bisect while element `first` is below and element `last` above.
-            while (last - first > 0) {
-                long mid = (first + last) / 2;
-                const long long cm = comp(at[mid - lower], item);
-                if (cm * cf <= 0) {
-                    cl = cm;
-                    if (last == mid && cm != 0) mid = mid - 1;
-                    last = mid;
+            // As the search is defined, an element above moves `last` to the
+            // midpoint (one below it when that is `last` itself), one below
+            // moves `first` likewise, and an equal one ends the search on it.
+            if (lower >= 0) {
+                // The midpoint of indices that are not negative never is
+                // `last`, and is `first` only when the two are adjacent, so
+                // the search runs on offsets from the lower bound.
+                unsigned long f = 0, l = static_cast<unsigned long>(last - lower);
+                while (l > f) {
+                    const unsigned long mid = (f + l) >> 1;
+                    const int cm = comp(at[mid], item);
+                    if (cm == 0) {
+                        f = l = mid;
+                        break;
+                    }
+                    if (cm > 0)
+                        l = mid;
+                    else
+                        f = mid + (mid == f);
                 }
-                if (cm * cl <= 0) {
-                    cf = cm;
-                    if (first == mid && cm != 0) mid = mid + 1;
-                    first = mid;
+                first = lower + static_cast<long>(f);
+                last = lower + static_cast<long>(l);
+            } else {
+                while (last - first > 0) {
+                    const long mid = (first + last) / 2;
+                    const int cm = comp(at[mid - lower], item);
+                    if (cm == 0) {
+                        first = last = mid;
+                        break;
+                    }
+                    if (cm > 0)
+                        last = mid - (last == mid);
+                    else
+                        first = mid + (first == mid);
                 }
             }
         }
         while (first > lower && comp(at[first - 1 - lower], item) == 0) --first;
         while (last < upper && comp(at[last - lower], item) == 0) ++last;
+        firstOut = first;
+        lastOut = last;
     }
 
     // A missing comparison (after SetSort(nullptr)) finds everything equal.

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <utility>
 #include <vector>
 
 struct Item {
@@ -89,6 +91,60 @@ TEST(SortPaths, DirectSortMatchesTheVirtualOneStepForStep) {
             EXPECT_EQ(direct.compares, virt.compares) << c.n << " " << c.direction;
             EXPECT_EQ(direct.order, virt.order) << c.n << " " << c.direction;
         }
+    }
+}
+
+// The equal-run search step by step as it is defined, over v[i - lower].
+std::pair<long, long> ReferenceRun(const std::vector<int>& v, long lower, int item) {
+    auto comp = [&](long i) { return v[i - lower] == item ? 0 : v[i - lower] > item ? 1 : -1; };
+    const long upper = lower + static_cast<long>(v.size());
+    long first = lower, last = upper - 1;
+    long long cf = comp(first), cl = comp(last);
+    if (cf >= 0) {
+        last = first;
+    } else if (cl < 0) {
+        first = last = last + 1;
+    } else if (cl == 0) {
+        first = last;
+        last = last + 1;
+    } else {
+        while (last - first > 0) {
+            long mid = (first + last) / 2;
+            const long long cm = comp(mid);
+            if (cm * cf <= 0) {
+                cl = cm;
+                if (last == mid && cm != 0) mid = mid - 1;
+                last = mid;
+            }
+            if (cm * cl <= 0) {
+                cf = cm;
+                if (first == mid && cm != 0) mid = mid + 1;
+                first = mid;
+            }
+        }
+    }
+    while (first > lower && comp(first - 1) == 0) --first;
+    while (last < upper && comp(last) == 0) ++last;
+    return {first, last};
+}
+
+// Sorted or not, with bounds on either side of zero (where the midpoint
+// truncates toward zero), the search lands where the definition does.
+TEST(SortPaths, SearchFollowsItsDefinitionOnAnyContent) {
+    unsigned seed = 11;
+    auto next = [&seed] { return (seed = seed * 1103515245u + 12345u) >> 16; };
+    for (int round = 0; round < 3000; ++round) {
+        const int n = 1 + static_cast<int>(next() % 40);
+        const int lower = static_cast<int>(next() % 60) - 50;
+        std::vector<int> v(static_cast<size_t>(n));
+        for (int& x : v) x = static_cast<int>(next() % 12);
+        if (round % 3) std::sort(v.begin(), v.end());
+        SCC_SortableArray<int> a(lower, lower + n);
+        for (int i = 0; i < n; ++i) a[lower + i] = v[static_cast<size_t>(i)];
+        const int item = static_cast<int>(next() % 14) - 1;
+        std::pair<long, long> got;
+        a.FindItemPosition(item, got.first, got.second);
+        ASSERT_EQ(ReferenceRun(v, lower, item), got) << round;
     }
 }
 

@@ -43,22 +43,15 @@ TEST(Scan, IntegersHaveNoPrefixes) {
 }
 
 TEST(Scan, NaturalComparison) {
-    EXPECT_LT(_tcsnumcmp("a2", "a10"), 0);
-    EXPECT_GT(_tcsnumcmp("a10", "a2"), 0);
-    EXPECT_EQ(_tcsnumcmp("a10", "a010"), 0);
-    EXPECT_EQ(_tcsnumcmp("a007b", "a7b"), 0);
-    EXPECT_LT(_tcsnumcmp("abc", "abd"), 0);
-    EXPECT_LT(_tcsnumcmp("A", "A$"), 0);
-    EXPECT_GT(_tcsnumcmp("A$", "A"), 0);
-    EXPECT_LT(_tcsnumcmp("AB", "A$"), 0);
-    EXPECT_GT(_tcsnumcmp("A$", "AZ"), 0);
-    EXPECT_EQ(Sign(_tcsnumcmp("x1y", "x1z")), -1);
-    EXPECT_EQ(_tcsnumcmp("$", "$"), 0);
-    EXPECT_LT(_tcsnumcmp("", "a"), 0);
-    EXPECT_GT(_tcsnumcmp("b", ""), 0);
-    EXPECT_LT(_tcsnumcmp("a", "b"), 0);
-    EXPECT_LT(_tcsnumcmp("10", "10a"), 0);
-    EXPECT_GT(_tcsnumcmp("x9", "x"), 0);
+    struct Row {
+        const char* a;
+        const char* b;
+        int sign;
+    } rows[] = {{"a2", "a10", -1},  {"a10", "a2", 1},   {"a10", "a010", 0}, {"a007b", "a7b", 0},
+                {"abc", "abd", -1}, {"A", "A$", -1},    {"A$", "A", 1},     {"AB", "A$", -1},
+                {"A$", "AZ", 1},    {"x1y", "x1z", -1}, {"$", "$", 0},      {"", "a", -1},
+                {"b", "", 1},       {"a", "b", -1},     {"10", "10a", -1},  {"x9", "x", 1}};
+    for (const Row& r : rows) EXPECT_EQ(r.sign, Sign(_tcsnumcmp(r.a, r.b))) << r.a << " " << r.b;
 }
 
 TEST(Scan, ExtractSubStringFields) {
