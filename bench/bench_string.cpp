@@ -1,54 +1,179 @@
-// String benchmarks: SYS_StringBase against std::string for the operations a
-// host runs in loops (appending, searching, natural comparison).
+// String benchmarks: SYS_StringBase against std::string and the C library for
+// the operations a host runs in loops (comparing, formatting, appending,
+// searching, natural comparison).
+#include "keel_bench.h"
+
+#include "SYS_CodePage.h"
 #include "SYS_Scan.h"
 #include "SYS_String.h"
 
-#include <benchmark/benchmark.h>
-
+#include <cstdio>
 #include <cstring>
 #include <string>
 
-static void BM_Keel_AppendChar(benchmark::State& state) {
+namespace {
+
+using namespace keel_bench;
+
+// Puts a code page in force for the life of a benchmark and restores the
+// previous one, so that the order of the benchmarks does not matter.
+class CodePage {
+public:
+    explicit CodePage(int cp) : m_Previous(SYS_SetCodePage(cp)) {}
+    ~CodePage() { SYS_SetCodePage(m_Previous); }
+
+private:
+    int m_Previous;
+};
+
+// Two texts of `n` bytes that differ only in the last one, so that a
+// comparison reads them whole.
+std::string Text(int64_t n, char last) {
+    std::string s;
+    for (int64_t i = 0; i + 1 < n; ++i) s += static_cast<char>('a' + i % 26);
+    return s + last;
+}
+
+// --- Compare ----------------------------------------------------------------
+
+void KeelCompare(benchmark::State& state) {
+    CodePage cp(0);
+    const SYS_StringBase a(Text(state.range(0), 'x').c_str());
+    const SYS_StringBase b(Text(state.range(0), 'y').c_str());
     for (auto _ : state) {
-        SYS_StringBase s;
-        for (int i = 0; i < state.range(0); ++i) s += 'x';
+        int r = a.Compare(b);
+        benchmark::DoNotOptimize(r);
+    }
+}
+
+void StdCompare(benchmark::State& state) {
+    const std::string a = Text(state.range(0), 'x');
+    const std::string b = Text(state.range(0), 'y');
+    for (auto _ : state) {
+        int r = a.compare(b);
+        benchmark::DoNotOptimize(r);
+    }
+}
+
+// --- Format -----------------------------------------------------------------
+
+const char* const kFormat = "%s %d %f";
+
+void KeelFormat(benchmark::State& state) {
+    SYS_StringBase s;
+    int i = 0;
+    for (auto _ : state) {
+        s.Format(kFormat, "TOP_COPPER", ++i, 3.14159);
         benchmark::DoNotOptimize(s.GetString());
     }
 }
-BENCHMARK(BM_Keel_AppendChar)->Arg(1000);
 
-static void BM_Std_AppendChar(benchmark::State& state) {
+// What a careful caller writes: format into a stack buffer and copy, and
+// format again into the string only when the buffer was too small.
+void SnprintfFormat(benchmark::State& state) {
+    std::string s;
+    int i = 0;
     for (auto _ : state) {
-        std::string s;
-        for (int i = 0; i < state.range(0); ++i) s += 'x';
-        benchmark::DoNotOptimize(s.c_str());
+        ++i;
+        char buffer[256];
+        const int n = std::snprintf(buffer, sizeof buffer, kFormat, "TOP_COPPER", i, 3.14159);
+        if (n < 0) {
+            s.clear();
+        } else if (static_cast<size_t>(n) < sizeof buffer) {
+            s.assign(buffer, static_cast<size_t>(n));
+        } else {
+            s.resize(static_cast<size_t>(n));
+            std::snprintf(&s[0], static_cast<size_t>(n) + 1, kFormat, "TOP_COPPER", i, 3.14159);
+        }
+        benchmark::DoNotOptimize(s.data());
     }
 }
-BENCHMARK(BM_Std_AppendChar)->Arg(1000);
 
-static void BM_Keel_FindOneOf(benchmark::State& state) {
-    SYS_StringBase s(std::string(static_cast<size_t>(state.range(0)), 'a').append("/").c_str());
-    for (auto _ : state) benchmark::DoNotOptimize(s.FindOneOf("/\\"));
-}
-BENCHMARK(BM_Keel_FindOneOf)->Arg(1000);
+// --- appending single characters --------------------------------------------
 
-static void BM_Std_FindFirstOf(benchmark::State& state) {
-    std::string s = std::string(static_cast<size_t>(state.range(0)), 'a').append("/");
-    for (auto _ : state) benchmark::DoNotOptimize(s.find_first_of("/\\"));
+void KeelAppendChar(benchmark::State& state) {
+    for (auto _ : state) {
+        SYS_StringBase s;
+        for (int64_t i = 0; i < state.range(0); ++i) s += 'x';
+        benchmark::DoNotOptimize(s.GetString());
+    }
 }
-BENCHMARK(BM_Std_FindFirstOf)->Arg(1000);
 
-static void BM_Keel_NaturalCompare(benchmark::State& state) {
-    for (auto _ : state)
-        benchmark::DoNotOptimize(_tcsnumcmp("layer_top_0012_copper", "layer_top_12_copper"));
+void StdPushBack(benchmark::State& state) {
+    for (auto _ : state) {
+        std::string s;
+        for (int64_t i = 0; i < state.range(0); ++i) s.push_back('x');
+        benchmark::DoNotOptimize(s.data());
+    }
 }
-BENCHMARK(BM_Keel_NaturalCompare);
 
-static void BM_Std_Strcmp(benchmark::State& state) {
-    const char* a = "layer_top_0012_copper";
-    const char* b = "layer_top_12_copper";
-    benchmark::DoNotOptimize(a);
-    benchmark::DoNotOptimize(b);
-    for (auto _ : state) benchmark::DoNotOptimize(std::strcmp(a, b));
+// --- searching for one of a set of characters --------------------------------
+
+void KeelFindOneOf(benchmark::State& state) {
+    const SYS_StringBase s(Text(state.range(0), '/').c_str());
+    for (auto _ : state) {
+        int at = s.FindOneOf("/\\");
+        benchmark::DoNotOptimize(at);
+    }
 }
-BENCHMARK(BM_Std_Strcmp);
+
+void StdFindFirstOf(benchmark::State& state) {
+    const std::string s = Text(state.range(0), '/');
+    for (auto _ : state) {
+        size_t at = s.find_first_of("/\\");
+        benchmark::DoNotOptimize(at);
+    }
+}
+
+// --- natural comparison (digit runs by value) against a plain strcmp ----------
+
+const char* const kLayerA = "layer_top_0012_copper";
+const char* const kLayerB = "layer_top_12_copper";
+
+void KeelNaturalCompare(benchmark::State& state) {
+    const char* a = kLayerA;
+    const char* b = kLayerB;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(a);
+        benchmark::DoNotOptimize(b);
+        int r = _tcsnumcmp(a, b);
+        benchmark::DoNotOptimize(r);
+    }
+}
+
+void Strcmp(benchmark::State& state) {
+    const char* a = kLayerA;
+    const char* b = kLayerB;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(a);
+        benchmark::DoNotOptimize(b);
+        int r = std::strcmp(a, b);
+        benchmark::DoNotOptimize(r);
+    }
+}
+
+[[maybe_unused]] const bool registered = [] {
+    Pair("string", "compare")
+        .Keel(KeelCompare, "SYS_StringBase::Compare, code page 0, texts differing at the last byte")
+        .Peer("std", StdCompare, "std::string::compare", 1.2)
+        .Register({32});
+    Pair("string", "format")
+        .Keel(KeelFormat, "SYS_StringBase::Format(\"%s %d %f\")")
+        .Peer("snprintf", SnprintfFormat, "snprintf into a buffer, then std::string::assign", 1.3)
+        .Register();
+    Pair("string", "append-char")
+        .Keel(KeelAppendChar, "SYS_StringBase += 'x', fresh string")
+        .Peer("std", StdPushBack, "std::string::push_back", 1.2)
+        .Register({4096});
+    Pair("string", "find-one-of")
+        .Keel(KeelFindOneOf, "SYS_StringBase::FindOneOf(\"/\\\\\"), match at the end")
+        .Peer("std", StdFindFirstOf, "std::string::find_first_of")
+        .Register({1000});
+    Pair("string", "natural-compare")
+        .Keel(KeelNaturalCompare, "_tcsnumcmp, 21-byte layer names (digit runs by value)")
+        .Peer("strcmp", Strcmp, "strcmp (plain byte order)")
+        .Register();
+    return true;
+}();
+
+} // namespace

@@ -3,7 +3,7 @@
 #   demo  build and run keel-demo (the default preset)
 #   test  build and run the whole test suite (the default preset)
 #   asan  the test suite under AddressSanitizer and UndefinedBehaviorSanitizer
-#   bench build and run the benchmarks
+#   bench build and run the benchmarks, writing docs/performance.md
 # Installs the Debian packages the build needs when they are missing.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -20,18 +20,7 @@ if [ ${#need[@]} -gt 0 ]; then
     DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq "${need[@]}"
 fi
 
-# Runs a configure or build step quietly: its output is shown only when it
-# fails.
-quiet() {
-    local log
-    log=$(mktemp)
-    if ! "$@" >"$log" 2>&1; then
-        cat "$log" >&2
-        rm -f "$log"
-        return 1
-    fi
-    rm -f "$log"
-}
+. tools/quiet.sh
 
 case "${1:-test}" in
 demo)
@@ -42,9 +31,8 @@ demo)
 test) cmake --workflow --preset default ;;
 asan) cmake --workflow --preset asan ;;
 bench)
-    quiet cmake --preset default
-    quiet cmake --build --preset default --target keel-bench
-    ./build/default/bench/keel-bench
+    # Builds in Release, runs every pair and writes docs/performance.md.
+    bash bench/report.sh "${@:2}"
     ;;
 *)
     echo "usage: $0 demo|test|asan|bench" >&2
