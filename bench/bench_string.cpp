@@ -130,27 +130,19 @@ void StdFindFirstOf(benchmark::State& state) {
 const char* const kLayerA = "layer_top_0012_copper";
 const char* const kLayerB = "layer_top_12_copper";
 
-void KeelNaturalCompare(benchmark::State& state) {
+// Compares the two layer names with `compare` in every iteration.
+template <int (*compare)(const char*, const char*)> void CompareLayers(benchmark::State& state) {
     const char* a = kLayerA;
     const char* b = kLayerB;
     for (auto _ : state) {
         benchmark::DoNotOptimize(a);
         benchmark::DoNotOptimize(b);
-        int r = _tcsnumcmp(a, b);
+        int r = compare(a, b);
         benchmark::DoNotOptimize(r);
     }
 }
 
-void Strcmp(benchmark::State& state) {
-    const char* a = kLayerA;
-    const char* b = kLayerB;
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(a);
-        benchmark::DoNotOptimize(b);
-        int r = std::strcmp(a, b);
-        benchmark::DoNotOptimize(r);
-    }
-}
+int PlainStrcmp(const char* a, const char* b) { return std::strcmp(a, b); }
 
 [[maybe_unused]] const bool registered = [] {
     Pair("string", "compare")
@@ -170,8 +162,8 @@ void Strcmp(benchmark::State& state) {
         .Peer("std", StdFindFirstOf, "std::string::find_first_of")
         .Register({1000});
     Pair("string", "natural-compare")
-        .Keel(KeelNaturalCompare, "_tcsnumcmp, 21-byte layer names (digit runs by value)")
-        .Peer("strcmp", Strcmp, "strcmp (plain byte order)")
+        .Keel(CompareLayers<_tcsnumcmp>, "_tcsnumcmp, 21-byte layer names (digit runs by value)")
+        .Peer("strcmp", CompareLayers<PlainStrcmp>, "strcmp (plain byte order)")
         .Register();
     return true;
 }();
