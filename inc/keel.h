@@ -21,9 +21,14 @@
 #include "SCC_List.h"
 #include "SCC_Hash.h"
 
+#include "SYS_StdInterface.h"
+#include "SCC_Variant.h"
+
 #include "SYS_Geom.h"
 #include "SYS_Curve.h"
 #include "SYS_Transform.h"
 #include "SYS_Text.h"
+
+#include "SYS_Convert.h"
 
 #endif // KEEL_H

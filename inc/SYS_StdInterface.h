@@ -1,0 +1,111 @@
+// SYS_StdInterface.h - walking objects by handle number, and filters over
+// handles.
+//
+// SYS_StdInterface is the smallest iteration interface: a current handle
+// (0 for none), a largest handle, first and next, a validity test and a change
+// event.  By default it walks the handles 1 to maxHandle:
+//
+//     for (it.GetFirst(nullptr); it.IsValid(); it.GetNext()) use(it.GetHandle());
+//
+// The void* context arguments are for subclasses that walk something else;
+// the defaults ignore them.
+//
+// SYS_Filter is a predicate over handles.  Filters combine with &, | and !
+// into trees: `a & b` builds a filter that tests b, then a, and ANDs the two
+// results bitwise (so predicates should answer 0 or 1: 2 & 1 is 0); `!a` is
+// true where a gives 0 or less.  Both operands are always evaluated.  The
+// combined filter belongs to its left operand (a) and lives as long as a does,
+// even after a later combination on a has replaced it in a.owned.
+//
+// Costs: a walk step or a filter test is one virtual call per filter in the
+// tree; combining allocates one filter.
+#ifndef SYS_STDINTERFACE_H
+#define SYS_STDINTERFACE_H
+
+#include "SCC_Event.h"
+#include "keel_config.h"
+
+#include <vector>
+
+class KEEL_API SYS_StdInterface {
+public:
+    // The current handle, 0 when there is none; it starts at 0.
+    int handle;
+    // The largest handle of the default walk.
+    int maxHandle;
+
+    SYS_StdInterface(int maxHandle = 0) : handle(0), maxHandle(maxHandle) {}
+    SYS_StdInterface(const SYS_StdInterface& other) = default;
+    SYS_StdInterface& operator=(const SYS_StdInterface& other) = default;
+
+    // Slots in this order: subclasses of later families rely on it.
+    // The event that announces changes of what is walked; null by default.
+    virtual SCC_Notifier* GetChangeEvent(void* context);
+    virtual void SetMaxHandle(int max);
+    // 1 while the current handle is not 0.
+    virtual int IsValid() const;
+    virtual void SetHandle(int handle, void* context);
+    virtual int GetHandle() const;
+    // Handle 1, or 0 when maxHandle is not above 0.
+    virtual void GetFirst(void* context);
+    // The next handle, or 0 after maxHandle.
+    virtual void GetNext();
+    // Called when the objects behind the handles moved; nothing by default.
+    virtual void OnUpdatePointers();
+    // Last, so that the slots above keep their places; a walker may be
+    // destroyed through this class.
+    virtual ~SYS_StdInterface() {}
+
+    // Ascending order of handles: the difference a - b itself, wrapping
+    // around in 32 bits, not just its sign.
+    static int DefaultSort(const int& a, const int& b);
+};
+
+class KEEL_API SYS_Filter {
+public:
+    typedef int (*Function)(const SYS_Filter* filter, int handle);
+
+    // The test of IsTrue, or null (never true).
+    Function function;
+    // The operands of a combined filter; right is null for a negation.
+    const SYS_Filter* left;
+    const SYS_Filter* right;
+    // The filter that the last combining operator built on this one.  A copy
+    // shows its source's value here but owns nothing.
+    SYS_Filter* owned;
+
+    SYS_Filter();
+    SYS_Filter(const SYS_Filter* left, const SYS_Filter* right, Function function);
+    // Copies all four fields, owned included; the copy owns nothing.
+    SYS_Filter(const SYS_Filter& other);
+    // Copies function, left and right; owned and what this filter owns stay.
+    SYS_Filter& operator=(const SYS_Filter& other);
+    // Deletes every filter this one built, owned and the ones it replaced.
+    // Not virtual: a filter is never deleted through a base pointer.
+    ~SYS_Filter();
+
+    // 0 without a function, else function(this, handle).
+    virtual int IsTrue(int handle) const;
+
+    // right->IsTrue, then left->IsTrue, combined bitwise (a missing operand
+    // counts as 0).
+    static int And_F(const SYS_Filter* filter, int handle);
+    static int Or_F(const SYS_Filter* filter, int handle);
+    // 1 when left->IsTrue gives 0 or less (or there is no left), else 0.
+    static int Not_F(const SYS_Filter* filter, int handle);
+
+    // Build a filter (this & other, this | other, !this), store it in owned
+    // and return it.  Throws std::bad_alloc, with owned null, when no memory
+    // can be had.
+    SYS_Filter& operator&(const SYS_Filter& other);
+    SYS_Filter& operator|(const SYS_Filter& other);
+    SYS_Filter& operator!();
+
+private:
+    SYS_Filter& Combine(const SYS_Filter* right, Function function);
+
+    // Every filter built by this one's operators, owned last; freed with it.
+    std::vector<SYS_Filter*> m_Built;
+};
+
+#endif // SYS_STDINTERFACE_H
