@@ -20,6 +20,7 @@ FAMILIES = [
     ("event", "Events"),
     ("array", "Arrays"),
     ("geom", "Geometry"),
+    ("units", "Units"),
     ("collection", "Collections"),
     ("file", "Files"),
     ("message", "Messages"),
