@@ -23,6 +23,9 @@
 
 #include "SYS_StdInterface.h"
 #include "SCC_Variant.h"
+#include "SCC_Handle.h"
+#include "SCC_StdCollection.h"
+#include "SCC_Property.h"
 
 #include "SYS_Geom.h"
 #include "SYS_Curve.h"
