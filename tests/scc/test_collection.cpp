@@ -52,6 +52,7 @@ struct MinWidth : SYS_Filter {
 };
 
 TEST_F(Board, IteratesInSortOrderAndFindsByLinearScan) {
+    // Ordered by name, not by handle: only a scan finds handle 1 at index 1.
     EXPECT_EQ((std::vector<int>{3, 1, 2}), Items(*c));
     EXPECT_EQ(1, c->IsEmpty()) << "items but no current item";
     std::vector<int> walked;
@@ -238,8 +239,11 @@ TEST_F(Board, ReloadAnnouncesOnlyRealChangesAndTracksTemporaryItems) {
 }
 
 TEST_F(Board, ParentFocusGatesParentNotifications) {
+    c->AllowReload(0);
     BoardCollection child(&store, c.get());
-    EXPECT_EQ(1, c->IsReloadAllowed());
+    EXPECT_EQ(1, c->IsReloadAllowed()) << "a child switches its parent's reloading on";
+    EXPECT_EQ(1, child.HandleNotificationsAllowed(0));
+    EXPECT_EQ(0, c->HandleNotificationsAllowed(1)) << "no parent";
     child.SetSort(new ByName(&store), 0);
     child.AllowReload(1);
     Listener childHeard(child.GetChangeEvent());
@@ -248,8 +252,25 @@ TEST_F(Board, ParentFocusGatesParentNotifications) {
     EXPECT_TRUE(childHeard.heard.empty());
     c->SetFocus(1, false); // the parent announces 3 for its focused handle
     EXPECT_EQ((Heard{{6, 0}}), childHeard.heard) << "the child reloaded";
+    // A deletion under the parent's focus deletes what the child's walk
+    // from the parent's slider yields: here every object, in host order.
+    childHeard.heard.clear();
+    child.OnParentNotification(SCC_ObjectDeleted, SCC_HandleToData(1));
+    EXPECT_EQ((Heard{{2, 1}, {2, 2}, {2, 3}, {2, 4}}), childHeard.heard);
+    EXPECT_TRUE(Items(child).empty());
+    child.AllowReload(0);
+    child.AllowReload(1);
     c->OnNotification(SCC_CollectionCleared, nullptr);
     EXPECT_TRUE(Items(child).empty());
+}
+
+TEST_F(Board, NotificationsCanBeSwitchedOff) {
+    EXPECT_EQ(1, c->EnableNotifications(0));
+    store.Rename(1, "gnd1");
+    EXPECT_TRUE(heard->heard.empty());
+    EXPECT_EQ(0, c->EnableNotifications(1));
+    store.Rename(1, "gnd2");
+    EXPECT_EQ((Heard{{3, 1}}), heard->heard);
 }
 
 TEST_F(Board, ObjectsCollectionsAndParentsDieInAnyOrder) {
