@@ -92,7 +92,6 @@ public:
         resort = other.resort;
         return *this;
     }
-    virtual ~SCC_SavedHandles();
 
 protected:
     // Makes the handle object for (handle, type), owned by this table.  The
@@ -110,6 +109,10 @@ public:
     // The object for (handle, type), or null.  `position` (may be null)
     // receives the index of its run, or where it would go.
     virtual SCC_SharedPointer<SCC_HandleWithEvent> Find(int handle, long type, long* position);
+    // Declared after the table's own slots so that they keep their order.
+    // Handle objects that outlive the table (a host kept one from Find) stop
+    // naming it: they ignore what they hear from then on.
+    virtual ~SCC_SavedHandles();
 
     // Set by a renumbering: the next lookup sorts the whole table first.
     bool resort;

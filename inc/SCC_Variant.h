@@ -93,10 +93,11 @@ class KEEL_API SCC_Convertor : public SCC_SharedBuffer {
 public:
     SCC_Convertor() {}
     SCC_Convertor(const SCC_Convertor& other) : SCC_SharedBuffer(other) {}
-    virtual ~SCC_Convertor();
 
     // The base gives the value unchanged.
     virtual SCC_Variant Convert(SCC_Variant value, int direction);
+    // After Convert, so that Convert keeps the first slot.
+    virtual ~SCC_Convertor();
 };
 
 #endif // SCC_VARIANT_H

@@ -33,7 +33,12 @@ SCC_Notifier* SCC_HandleWithEvent::GetChangeEvent() { return nullptr; }
 
 void SCC_HandleWithEvent::OnUpdatePointers() {}
 
-SCC_SavedHandles::~SCC_SavedHandles() {}
+SCC_SavedHandles::~SCC_SavedHandles() {
+    for (long i = 0, n = GetCount(); i < n; ++i) {
+        SCC_HandleWithEvent* object = FastGetAt(static_cast<int>(GetLowerBound() + i)).Get();
+        if (object && object->owner == this) object->owner = nullptr;
+    }
+}
 
 SCC_SharedPointer<SCC_HandleWithEvent> SCC_SavedHandles::CreateByType(int handle, long type) {
     (void)handle;

@@ -160,6 +160,10 @@ TEST_F(Board, SuspensionQueuesAndReplaysLastFirstOncePerHandle) {
     store.changes.Notify(SCC_CollectionReload, nullptr); // flushes and reloads at once
     EXPECT_TRUE(c->m_Queue.empty());
     EXPECT_EQ(4u, Items(*c).size());
+    redraw(2);
+    store.changes.Notify(SCC_CollectionCleared, nullptr); // flushes and clears at once
+    EXPECT_TRUE(c->m_Queue.empty());
+    EXPECT_TRUE(Items(*c).empty());
 }
 
 TEST_F(Board, RenumberingUpdatesItemsFocusAndQueue) {
@@ -216,11 +220,17 @@ TEST_F(Board, ReloadAnnouncesOnlyRealChangesAndTracksTemporaryItems) {
     c->AllowReload(1);
     EXPECT_TRUE(heard->heard.empty()) << "same items: nothing announced";
     store.Put(4, "dat", 1);
-    c->AllowReload(1); // no 0 -> 1 change: no reload
-    EXPECT_EQ(3u, Items(*c).size());
+    c->SetFocus(2, true);
+    c->SetFocus(3, true);
+    store.objects.erase(3); // silently: only a reload notices
+    c->AllowReload(1);      // no 0 -> 1 change: no reload
+    EXPECT_EQ((std::vector<int>{3, 1, 2}), Items(*c));
     c->AllowReload(0);
     c->AllowReload(1);
     EXPECT_EQ((Heard{{6, 0}}), heard->heard);
+    EXPECT_EQ(3u, Items(*c).size());
+    EXPECT_EQ((std::vector<int>{2, 0}), (std::vector<int>{c->GetFocus(0), c->GetFocus(1)}))
+        << "the focus keeps only handles still listed";
 
     c->Clear();
     EXPECT_TRUE(Items(*c).empty());

@@ -113,6 +113,21 @@ TEST(SavedHandles, AHandleObjectOutlivesItsTableEntryWhileHeld) {
     EXPECT_EQ(1, held->GetRefCount());
     held = nullptr;
     EXPECT_EQ(0, ChainLength(t.events[{1, 4}]));
+
+    // Held past the table itself: it stops naming the table (ASan reports a
+    // use after free if it still reaches it).
+    SCC_Notifier outside;
+    SCC_SharedPointer<SCC_HandleWithEvent> kept;
+    {
+        Table gone;
+        gone.Save(5, 1);
+        kept = gone.Find(5, 1, nullptr);
+    }
+    outside.Append(kept.Get());
+    g_log.clear();
+    EXPECT_EQ(0, outside.Notify(SCC_HandleDeleted, SCC_HandleToData(5)));
+    EXPECT_EQ(nullptr, kept->owner);
+    EXPECT_TRUE(g_log.empty());
 }
 
 TEST(HandleWithEvent, CopyStartsAFreshCountAssignmentTakesTheCountWord) {

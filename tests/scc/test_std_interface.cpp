@@ -91,6 +91,7 @@ TEST(Filter, CombinationsLiveWithTheirOwnerAndCopiesFreeNothing) {
         EXPECT_EQ((Ints{first.IsTrue(1), negated.IsTrue(3), second.IsTrue(2)}), (Ints{1, 1, 2}));
         {
             SYS_Filter copy(a);
+            EXPECT_EQ(copy.owned, a.owned) << "shown, not owned";
             SYS_Filter& own = copy & b; // the copy frees what it built, nothing else
             EXPECT_EQ((Filters{copy.owned, a.owned}), (Filters{&own, &second}));
         }
