@@ -25,8 +25,10 @@ KEEL_API void SSM_Throw();
 
 // The whole calling pattern of an assertion site whose condition failed:
 // report a fatal failure at (file, line) and throw when the report says so.
-inline void SSM_CheckFailed(const char* message, const char* file, int line) {
-    if (!SSM_AssertFailed(message, file, line, SSM_FailureFatal, 0)) SSM_Throw();
+// Most sites carry identifier 0; a site that hosts tell apart by number
+// passes its own.
+inline void SSM_CheckFailed(const char* message, const char* file, int line, int id = 0) {
+    if (!SSM_AssertFailed(message, file, line, SSM_FailureFatal, id)) SSM_Throw();
 }
 
 #endif // SSM_ASSERT_H
