@@ -30,6 +30,7 @@
 #include "SYS_Geom.h"
 #include "SYS_Curve.h"
 #include "SYS_Transform.h"
+#include "SYS_GeomChain.h"
 #include "SYS_Text.h"
 
 #include "SYS_Convert.h"
