@@ -35,4 +35,6 @@
 
 #include "SYS_Convert.h"
 
+#include "UI_DrawArea.h"
+
 #endif // KEEL_H
