@@ -36,5 +36,6 @@
 #include "SYS_Convert.h"
 
 #include "UI_DrawArea.h"
+#include "UI_PaletteColorConvertor.h"
 
 #endif // KEEL_H
