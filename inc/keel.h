@@ -36,6 +36,7 @@
 #include "SYS_Convert.h"
 
 #include "UI_DrawArea.h"
+#include "UI_Dynamic.h"
 #include "UI_PaletteColorConvertor.h"
 
 #endif // KEEL_H
