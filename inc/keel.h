@@ -38,5 +38,6 @@
 #include "UI_DrawArea.h"
 #include "UI_Dynamic.h"
 #include "UI_PaletteColorConvertor.h"
+#include "SFM_FilePath.h"
 
 #endif // KEEL_H
