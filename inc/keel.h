@@ -39,5 +39,8 @@
 #include "UI_Dynamic.h"
 #include "UI_PaletteColorConvertor.h"
 #include "SFM_FilePath.h"
+#include "SFM.h"
+#include "SFM_File.h"
+#include "SFM_MessageDB.h"
 
 #endif // KEEL_H
