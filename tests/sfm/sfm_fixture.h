@@ -18,6 +18,11 @@
 #include <utility>
 #include <vector>
 
+typedef std::vector<int> Codes;
+typedef std::vector<std::string> Texts;
+
+inline std::string Str(const SYS_StringBase& s) { return s.GetString(); }
+
 class SfmTest : public ::testing::Test {
 protected:
     SSM ssm;
@@ -52,7 +57,7 @@ protected:
 
     std::string Path(const std::string& name) const { return dir + "/" + name; }
     std::vector<int> Heard() { return std::exchange(codes, {}); }
-    std::vector<std::string> Sites() { return std::exchange(sites, {}); }
+    std::vector<std::string> Asserted() { return std::exchange(sites, {}); }
 
     static std::string Slurp(const std::string& path) {
         std::ifstream in(path, std::ios::binary);

@@ -1,5 +1,5 @@
-// Tests of SFM_File over real files: events, lines, binary values, failures
-// and their messages, temporary closing, copies.
+// Tests of SFM_File and the manager over real files: events, lines, binary
+// values, failures and their messages, temporary closing, copies.
 #include "sfm_fixture.h"
 
 #include <cerrno>
@@ -8,7 +8,6 @@
 
 namespace {
 
-typedef std::vector<int> Codes;
 const int Opening = SFM::FileOpening, Opened = SFM::FileOpened, Closed = SFM::FileClosed;
 
 std::string Quoted(const std::string& text, const std::string& name) {
@@ -27,111 +26,85 @@ SFM::EventCode OutOfDescriptors(SFM& manager) {
 
 using FileTest = SfmTest;
 
-TEST_F(FileTest, LifeEventsLinesAndLength) {
+TEST_F(FileTest, LifeEventsLinesPositionsAndLength) {
     const std::string path = Path("a.txt");
     SFM_File f(path.c_str());
     EXPECT_EQ(f.GetLength(), -1); // nothing there yet, and no events
     ASSERT_EQ(f.Open("w"), 1);
-    EXPECT_EQ(f.WriteLine("one"), 1);
-    EXPECT_EQ(f.Printf("%d:%s\n", 2, "two"), 6L);
-    EXPECT_EQ(f.PutChar('3'), 1);
-    EXPECT_EQ(f.GetLength(), 11);
+    EXPECT_EQ(f.WriteLine("one") + f.PutChar('2'), 2);
+    EXPECT_EQ(f.Printf("%d:%s", 3, "x"), 3L);
+    EXPECT_EQ(f.GetLength(), 8);
     f.Close();
     EXPECT_EQ(Heard(), (Codes{Opening, Opened, Closed}));
-    EXPECT_EQ(f.GetLength(), 11); // cached
-    EXPECT_EQ(f.GetPosition(), -1);
+    EXPECT_EQ(std::make_pair(f.GetLength(), f.GetPosition()), std::make_pair(8L, -1L));
 
     ASSERT_EQ(f.Open("r"), 1);
-    EXPECT_STREQ(f.GetLine(0), "one\n");
-    EXPECT_STREQ(f.GetLine(0), "2:two\n");
+    EXPECT_EQ(Str(f.GetLine(0)), "one\n");
+    EXPECT_EQ(f.GetChar(), '2');
     EXPECT_EQ(f.Eof(), 0);
-    EXPECT_EQ(f.GetChar(), '3');
+    EXPECT_EQ(Str(f.GetLine(0)), "3:x");
     EXPECT_EQ(f.GetChar(), -1);
     EXPECT_EQ(f.Eof(), 1);
-    EXPECT_STREQ(f.GetLine(0), "");
-
-    // The position stack: a failed push stays put, popping an empty stack
-    // does nothing.
+    // A failed push stays put; popping an empty stack does nothing.
     EXPECT_EQ(f.PushPosition(1, SFM_File::SeekBegin), 1);
     EXPECT_EQ(f.PushPosition(-10, SFM_File::SeekCurrent), 0);
     EXPECT_EQ(f.GetPosition(), 1);
-    f.PopPosition();
-    EXPECT_EQ(f.GetPosition(), 11);
-    f.PopPosition();
-    EXPECT_EQ(f.GetPosition(), 11);
+    f.PopPosition(), f.PopPosition();
+    EXPECT_EQ(f.GetPosition(), 8);
 
-    // A file built without a name keeps length 0 until it is opened.
-    SFM_File unnamed;
+    SFM_File unnamed; // keeps length 0 until it is opened
     unnamed.SetName(path.c_str());
     EXPECT_EQ(unnamed.GetLength(), 0);
-    EXPECT_TRUE(Sites().empty());
+    EXPECT_TRUE(Asserted().empty());
     f.SetName("other"); // open: an assertion, and the name is stored anyway
-    EXPECT_EQ(Sites(), (std::vector<std::string>{"sfm/sfmfile:118"}));
-}
+    EXPECT_EQ(Asserted(), (Texts{"sfm/sfmfile:118"}));
 
-TEST_F(FileTest, GetLineLimits) {
-    Spill(Path("long"), std::string(600, 'x') + "\n");
-    SFM_File f(Path("long").c_str(), "r");
-    const std::pair<long, int> limits[] = {{0, 510}, {511, 510}, {1000, 510},
-                                           {5, 4},   {1, 0},     {-3, 0}};
-    for (const auto& limit : limits) {
-        f.Rewind();
-        EXPECT_EQ(f.GetLine(limit.first).GetLength(), limit.second) << limit.first;
+    Spill(path, std::string(600, 'x'));
+    SFM_File lines(path.c_str(), "r");
+    for (auto limit :
+         {std::make_pair(0L, 510), {511L, 510}, {1000L, 510}, {5L, 4}, {1L, 0}, {-3L, 0}}) {
+        lines.Rewind();
+        EXPECT_EQ(lines.GetLine(limit.first).GetLength(), limit.second) << limit.first;
     }
 }
 
 TEST_F(FileTest, BinaryValuesReverseBitsNotBytes) {
-    const std::string path = Path("bin");
-    {
-        SFM_File f(path.c_str(), "w+b");
-        f.Put(1, 1);
-        f.Put(static_cast<short>(1), 1);
-        f.Put(static_cast<char>(1), 1);
-        f.Put(-2L, 0);
-        f.Put(0x12345678UL, 1);
-        f << static_cast<unsigned short>(0x1234) << 0.5;
-        f.Rewind();
-        int i = 0;
-        short s = 0;
-        char c = 0;
-        long l = 0;
-        unsigned long ul = 0;
-        unsigned short us = 0;
-        double d = 0;
-        f.Get(i, 1), f.Get(s, 1), f.Get(c, 1), f.Get(l, 0), f.Get(ul, 1);
-        f >> us >> d;
-        EXPECT_EQ(
-            std::make_tuple(i, s, c, l, ul, us, d),
-            std::make_tuple(1, short(1), char(1), -2L, 0x12345678UL, (unsigned short)0x1234, 0.5));
-    }
+    SFM_File f(Path("bin").c_str(), "w+b");
+    f.Put(1, 1), f.Put(short(1), 1), f.Put(char(1), 1), f.Put(-2L, 0), f.Put(0x12345678UL, 1);
+    f << static_cast<unsigned short>(0x1234) << 0.5;
+    f.Flush();
     double half = 0.5;
-    const std::string expected = std::string("\0\0\0\x80", 4) + std::string("\0\x80", 2) + "\x80" +
-                                 "\xfe\xff\xff\xff" + "\x48\x2c\x6a\x1e" + "\x34\x12" +
-                                 std::string(reinterpret_cast<char*>(&half), 8);
-    EXPECT_EQ(Slurp(path), expected);
+    EXPECT_EQ(Slurp(Path("bin")),
+              std::string("\0\0\0\x80\0\x80\x80\xfe\xff\xff\xff\x48\x2c\x6a\x1e\x34\x12", 17) +
+                  std::string(reinterpret_cast<char*>(&half), 8));
+    f.Rewind();
+    int i = 0;
+    short s = 0;
+    char c = 0;
+    long l = 0;
+    unsigned long ul = 0;
+    f.Get(i, 1), f.Get(s, 1), f.Get(c, 1), f.Get(l, 0), f.Get(ul, 1); // in this order
+    EXPECT_EQ(std::make_tuple(i, s, c, l, ul),
+              std::make_tuple(1, short(1), char(1), -2L, 0x12345678UL));
 }
 
 TEST_F(FileTest, FailuresRaiseEventsWithTheSystemsText) {
     const std::string path = Path("c");
-    const std::string ebadf = Quoted(std::strerror(EBADF), path);
     SFM_File f(path.c_str());
     char buffer[4];
     // Not open: nothing happens and nothing is heard.
     EXPECT_EQ(std::make_tuple(f.Read(buffer, 4), f.Write("x", 1), f.GetChar(), f.PutChar('x'),
-                              f.Printf("x"), f.GetLine(0).GetLength()),
-              std::make_tuple(0L, 0, char(-1), 0, 0L, 0));
-
+                              f.Printf("x")),
+              std::make_tuple(0L, 0, char(-1), 0, 0L));
     ASSERT_EQ(f.Open("w"), 1);
-    EXPECT_EQ(f.Read(buffer, 4), 0);
-    EXPECT_EQ(f.GetChar(), -1);
-    EXPECT_EQ(std::string(f.GetMsg()), ebadf);
+    EXPECT_EQ(std::make_pair(f.Read(buffer, 4), f.GetChar()), std::make_pair(0L, char(-1)));
+    EXPECT_EQ(Str(f.GetMsg()), Quoted(std::strerror(EBADF), path));
     f.Close();
     f.SetMsg("");
     ASSERT_EQ(f.Open("r"), 1);
     EXPECT_EQ(f.Write("x", 1), 0); // the result is Write's only report
-    EXPECT_EQ(f.PutChar('x'), 0);
-    EXPECT_EQ(f.Printf("%s", "x"), 0);
-    EXPECT_EQ(std::string(f.GetMsg()), ebadf);
+    EXPECT_EQ(std::make_pair(f.PutChar('x'), f.Printf("%s", "x")), std::make_pair(0, 0L));
+    EXPECT_EQ(Str(f.GetMsg()), Quoted(std::strerror(EBADF), path));
     f.Close();
     EXPECT_EQ(Heard(),
               (Codes{Opening, Opened, 203, 203, Closed, Opening, Opened, 204, 204, Closed}));
@@ -141,43 +114,30 @@ TEST_F(FileTest, FailuresRaiseEventsWithTheSystemsText) {
     EXPECT_EQ(full.Write("x", 1), 1);
     full.Close();
     EXPECT_EQ(Heard(), (Codes{Opening, Opened, SFM::FileCloseFailed}));
-    EXPECT_EQ(std::string(full.GetMsg()), Quoted(std::strerror(ENOSPC), "/dev/full"));
-}
+    EXPECT_EQ(Str(full.GetMsg()), Quoted(std::strerror(ENOSPC), "/dev/full"));
 
-TEST_F(FileTest, OpenFailuresAndHostAnswers) {
+    // A directory that is not there; then a handler replaces the text,
+    // makes the directory and asks for a retry.
     const std::string missing = Path("no/such.txt");
-    SFM_File f(missing.c_str());
-    EXPECT_EQ(f.Open("w"), 0);
+    SFM_File g(missing.c_str());
+    EXPECT_EQ(g.Open("w"), 0);
     EXPECT_EQ(Heard(), (Codes{Opening, SFM::FileOpenFailed}));
-    EXPECT_EQ(std::string(f.GetMsg()), Quoted(std::strerror(ENOENT), missing));
-
-    // A handler replaces the text, makes the directory and asks for a retry.
+    EXPECT_EQ(Str(g.GetMsg()), Quoted(std::strerror(ENOENT), missing));
     answer = [&](int code, SFM_EventData* data) {
         if (code != SFM::FileOpenFailed) return;
         data->SetText("made it");
         mkdir(Path("no").c_str(), 0700);
         data->SetResult(SFM::Retry);
     };
-    EXPECT_EQ(f.Open("w"), 1);
+    EXPECT_EQ(g.Open("w"), 1);
     EXPECT_EQ(Heard(), (Codes{Opening, SFM::FileOpenFailed, Opened}));
-    EXPECT_EQ(std::string(f.GetMsg()), Quoted("made it", missing));
-
-    // The first answer should be the only one.
-    SFM_EventData data(nullptr, nullptr);
-    data.SetResult(SFM::Retry);
-    data.SetResult(SFM::NoAnswer);
-    data.SetResult(SFM::Retry);
-    EXPECT_TRUE(Sites().empty());
-    data.SetResult(SFM::Retry);
-    EXPECT_EQ(Sites(), (std::vector<std::string>{"sfm/sfmanagr:96"}));
-    EXPECT_EQ(data.GetResult(), SFM::Retry);
+    EXPECT_EQ(Str(g.GetMsg()), Quoted("made it", missing));
 }
 
 TEST_F(FileTest, TemporaryCloseAndTransparentReopen) {
     // Files being written reopen for appending, at their position.
     for (const char* mode : {"w", "wb", "w+"}) {
-        const std::string path = Path(mode);
-        SFM_File f(path.c_str(), mode);
+        SFM_File f(Path(mode).c_str(), mode);
         f.Write("ab", 2);
         EXPECT_EQ(OutOfDescriptors(sfm), SFM::Retry);
         EXPECT_EQ(std::make_tuple(f.tempClosed, f.IsOpen(), f.GetStream()),
@@ -185,7 +145,7 @@ TEST_F(FileTest, TemporaryCloseAndTransparentReopen) {
         EXPECT_EQ(f.Write("cd", 2), 1);
         EXPECT_EQ(f.GetPosition(), 4);
         f.Close();
-        EXPECT_EQ(Slurp(path), "abcd") << mode;
+        EXPECT_EQ(Slurp(Path(mode)), "abcd") << mode;
         EXPECT_EQ(Heard(), (Codes{Opening, Opened, Opening, Closed})); // no 201 heard
     }
 
@@ -201,25 +161,23 @@ TEST_F(FileTest, TemporaryCloseAndTransparentReopen) {
     OutOfDescriptors(sfm);
     EXPECT_EQ(std::make_pair(reader.tempClosed, writer.tempClosed), std::make_pair(0, 1));
     EXPECT_EQ(writer.Eof(), 1); // asserts before reopening
-    EXPECT_EQ(Sites(), (std::vector<std::string>{"sfm/sfmfile:300"}));
+    EXPECT_EQ(Asserted(), (Texts{"sfm/sfmfile:300"}));
     reader.Close(), writer.Close();
-    // With nothing left to close the answer is still Retry.
-    EXPECT_EQ(OutOfDescriptors(sfm), SFM::Retry);
+    EXPECT_EQ(OutOfDescriptors(sfm), SFM::Retry); // even with nothing to close
 
     // FileOpening moves only the first file of that name to the front.
     SFM_File first(Path("same").c_str()), second(Path("same").c_str());
     sfm.files.push_back(sfm.files.front()); // `second` registered twice
     SFM_EventData data(Path("same").c_str());
     sfm.Event(SFM::FileOpening, data);
-    EXPECT_EQ(sfm.files.front(), &second);
-    EXPECT_EQ(sfm.files.back(), &second);
+    EXPECT_EQ(std::make_pair(sfm.files.front(), sfm.files.back()),
+              std::make_pair(&second, &second));
 }
 
 TEST_F(FileTest, CopiesShareOneStreamClosedByTheLast) {
-    const std::string path = Path("shared");
     const size_t registered = sfm.files.size();
     {
-        SFM_File f(path.c_str(), "w");
+        SFM_File f(Path("shared").c_str(), "w");
         SFM_File copy(f);
         EXPECT_EQ(copy.GetStream(), f.GetStream());
         EXPECT_EQ(sfm.files.size(), registered + 1); // copies do not register
@@ -228,38 +186,43 @@ TEST_F(FileTest, CopiesShareOneStreamClosedByTheLast) {
         EXPECT_EQ(copy.Write("cd", 2), 1);
     }
     EXPECT_EQ(sfm.files.size(), registered); // destroyed files leave the list
-    EXPECT_EQ(Slurp(path), "abcd");
+    EXPECT_EQ(Slurp(Path("shared")), "abcd");
     EXPECT_EQ(Heard(), (Codes{Opening, Opened, Closed, Closed}));
 }
 
-TEST_F(FileTest, ManagerInstancesTextsAndValidity) {
-    EXPECT_EQ(SFM::GetManager(), &sfm);
+TEST_F(FileTest, ManagerInstancesAnswersTextsAndValidity) {
     {
         SFM copy(sfm); // takes over the hooks but never the instance
         EXPECT_EQ(copy.event.next, static_cast<SCC_EventNode<SFM_EventData>*>(&hook));
     }
-    EXPECT_EQ(std::make_pair(SFM::Instance, SFM::InstanceCount), std::make_pair(&sfm, 1L));
+    EXPECT_EQ(std::make_pair(SFM::GetManager(), SFM::InstanceCount), std::make_pair(&sfm, 1L));
     hook.Attach(&sfm.event);
     {
         SFM second;
         EXPECT_EQ(SFM::Instance, &second);
     }
-    EXPECT_EQ(Sites(), (std::vector<std::string>{"sfm/sfmanagr:40", "sfm/sfmanagr:41"}));
+    EXPECT_EQ(Asserted(), (Texts{"sfm/sfmanagr:40", "sfm/sfmanagr:41"}));
     SFM::Instance = &sfm;
 
     // The system's text, or the resource fallback for a code it does not know.
     SFM_EventData data("one", "two");
     errno = 4000;
     sfm.Event(SFM::FileReadFailed, data);
-    EXPECT_STREQ(data.GetText(), "Error 4000 occurred (no further info).\r\n\"one\"\r\n\"two\"");
+    EXPECT_EQ(Str(data.GetText()), "Error 4000 occurred (no further info).\r\n\"one\"\r\n\"two\"");
     errno = ENOENT;
     sfm.Event(SFM::FileWriteFailed, data);
-    EXPECT_STREQ(data.text, std::strerror(ENOENT));
-    EXPECT_EQ(data.error, static_cast<unsigned long>(ENOENT));
+    EXPECT_EQ(
+        std::make_pair(Str(data.text), data.error),
+        std::make_pair(std::string(std::strerror(ENOENT)), static_cast<unsigned long>(ENOENT)));
+
+    // The first answer should be the only one.
+    SFM_EventData blank(nullptr, nullptr);
+    blank.SetResult(SFM::Retry), blank.SetResult(SFM::NoAnswer), blank.SetResult(SFM::Retry);
+    EXPECT_TRUE(Asserted().empty());
+    blank.SetResult(SFM::Retry);
+    EXPECT_EQ(std::make_pair(blank.GetResult(), Str(blank.GetText())),
+              std::make_pair(SFM::Retry, std::string()));
 
     EXPECT_EQ(sfm.IsValid(), 0); // no message database yet
-    EXPECT_EQ(Sites(), (std::vector<std::string>{"sfm/sfmanagr:230"}));
-    SFM::SetThrowMemException(0);
-    EXPECT_EQ(SFM::GetThrowMemException(), 0);
-    SFM::SetThrowMemException(1);
+    EXPECT_EQ(Asserted(), (Texts{"sfm/sfmanagr:96", "sfm/sfmanagr:230"}));
 }

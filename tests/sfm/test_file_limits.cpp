@@ -3,8 +3,11 @@
 #include "sfm_fixture.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <memory>
 #include <sys/resource.h>
+#include <unistd.h>
 
 namespace {
 
@@ -28,6 +31,13 @@ private:
 int DescriptorsInUse() {
     const std::filesystem::directory_iterator fds("/proc/self/fd");
     return static_cast<int>(std::distance(begin(fds), end(fds)));
+}
+
+// The number the next descriptor would get.
+int LowestFreeDescriptor() {
+    const int fd = dup(0);
+    close(fd);
+    return fd;
 }
 
 std::string Content(int file, int rounds) {
@@ -87,5 +97,31 @@ TEST_F(FileLimitTest, NoByteIsLostBeyondTheDescriptorLimit) {
     const std::vector<int> heard = Heard();
     EXPECT_EQ(std::count(heard.begin(), heard.end(), SFM::FileOpenFailed), 0);
     EXPECT_GT(std::count(heard.begin(), heard.end(), SFM::FileOpening), 4 * count);
-    EXPECT_TRUE(Sites().empty());
+    EXPECT_TRUE(Asserted().empty());
+}
+
+TEST_F(FileLimitTest, WithNothingLeftToCloseAnOpenFailsAndAReopenWaits) {
+    const std::string held = Path("held"), other = Path("other");
+    SFM_File h(held.c_str(), "w");
+    h.Write("ab", 2);
+    SFM_File().Read(nullptr, 1); // lets the assertion hook be vetted while descriptors are free
+    Asserted();
+    SFM_EventData data;
+    errno = EMFILE;
+    sfm.Event(SFM::FileOpenFailed, data); // closes `h` for the time being
+    Heard();
+    {
+        DescriptorLimit none(LowestFreeDescriptor());
+        SFM_File f(other.c_str());
+        EXPECT_EQ(f.Open("w"), 0);
+        EXPECT_EQ(std::string(f.GetMsg()), std::strerror(EMFILE) + ("\r\n\"" + other + "\""));
+        EXPECT_EQ(h.Write("cd", 2), 0); // cannot come back yet; stays closed for now
+        EXPECT_EQ(h.tempClosed, 1);
+    }
+    EXPECT_EQ(Asserted(), (Texts{"sfm/sfmfile:270", "sfm/sfmfile:356"}));
+    EXPECT_EQ(h.Write("cd", 2), 1);
+    h.Close();
+    EXPECT_EQ(Slurp(held), "abcd");
+    EXPECT_EQ(Heard(),
+              (Codes{SFM::FileOpening, SFM::FileOpening, SFM::FileOpening, SFM::FileClosed}));
 }

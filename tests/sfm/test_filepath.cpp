@@ -54,16 +54,6 @@ TEST(FilePath, ParsesEveryKindOfPath) {
     EXPECT_EQ(Split(dbcs), (Parts{"", "d\\", "\x95\x5c", ".txt"}));
 }
 
-TEST(FilePath, GettersAssignFirstAndNullClears) {
-    SFM_FilePath p;
-    EXPECT_EQ(Full(p.GetFileName("C:\\a\\b.c")), "b");
-    EXPECT_EQ(Full(p.GetFileDirectory()), "C:\\a\\");
-    EXPECT_EQ(Full(p.GetFileNameExt()), "b.c");
-    EXPECT_EQ(Full(p = nullptr), "");
-    EXPECT_EQ(Split(p), (Parts{"", "", "", ""}));
-    EXPECT_TRUE(p.IsEmpty());
-}
-
 TEST(FilePath, SettersTakeTheirPartFromTheirOwnParse) {
     struct Case {
         const char* start;
@@ -97,29 +87,24 @@ TEST(FilePath, SettersTakeTheirPartFromTheirOwnParse) {
     EXPECT_EQ(Full(p.SetFileExtension("g.x", nullptr)), "g.");
 }
 
-TEST(FilePath, AddSeparatorUsesTheDefaultSeparator) {
-    SFM_FilePath p("C:\\work");
+TEST(FilePath, GettersAssignFirstAndSeparatorsAreAdded) {
+    SFM_FilePath p;
+    EXPECT_EQ(Full(p.GetFileName("C:\\work")), "work");
+    EXPECT_EQ(Full(p.GetFileDirectory()), "C:\\");
     p.AddSeparator();
     EXPECT_EQ(Split(p), (Parts{"C:", "\\work\\", "", ""}));
     p.AddSeparator(); // already there
-    EXPECT_EQ(Full(p.fullPath), "C:\\work\\");
-    SFM_FilePath empty, slash("dir/");
-    empty.AddSeparator();
-    slash.AddSeparator();
-    EXPECT_EQ(Full(empty.fullPath), "");
-    EXPECT_EQ(Full(slash.fullPath), "dir/\\");
+    SFM_FilePath slash("dir/"), empty;
+    slash.AddSeparator(), empty.AddSeparator();
+    EXPECT_EQ((Parts{Full(p), Full(slash), Full(empty = nullptr)}),
+              (Parts{"C:\\work\\", "dir/\\", ""}));
 
     SFM_FilePath::DefaultSeparator = 1;
-    SFM_FilePath q("C:\\work");
-    q.AddSeparator();
-    q.SetDefPath("ignored"); // has a base
-    SFM_FilePath r("f");
-    r.SetDefPath("root");
+    SFM_FilePath q("C:\\work"), r("f");
+    q.AddSeparator(), r.SetDefPath("root");
     SFM_FilePath::DefaultSeparator = 7; // outside the separators: the backslash
     SFM_FilePath s("x");
     s.AddSeparator();
     SFM_FilePath::DefaultSeparator = 0;
-    EXPECT_EQ(Full(q.fullPath), "C:\\work/");
-    EXPECT_EQ(Full(r.fullPath), "root/f");
-    EXPECT_EQ(Full(s.fullPath), "x\\");
+    EXPECT_EQ((Parts{Full(q), Full(r), Full(s)}), (Parts{"C:\\work/", "root/f", "x\\"}));
 }
