@@ -115,9 +115,9 @@ public:
 
     // Null names become "".
     SFM_EventData(const char* fileName1 = nullptr, const char* fileName2 = nullptr);
-    SFM_EventData(const SFM_EventData& other);
-    SFM_EventData& operator=(const SFM_EventData& other);
-    ~SFM_EventData();
+    SFM_EventData(const SFM_EventData& other) = default;
+    SFM_EventData& operator=(const SFM_EventData& other) = default;
+    ~SFM_EventData() = default;
 
     SYS_StringBase GetFileName1() const { return fileName1; }
     SYS_StringBase GetFileName2() const { return fileName2; }

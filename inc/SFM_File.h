@@ -186,6 +186,12 @@ private:
     // raise FileOpenFailed and are retried while the answer is Retry.
     // Returns 1 when open.
     int OpenStream(const SYS_StringBase& openMode, SFM_EventData& data, bool announce);
+    // The stream of an open file, reopened if need be, with errno and the
+    // stream's error state cleared; null, after the assertion at `line` of
+    // this file's source, when there is none.
+    std::FILE* ReadyStream(int line);
+    // When `fp` reports an error: raises `code` and clears the error; 1 then.
+    int Failed(std::FILE* fp, SFM::EventCode code);
     // Seeks to an absolute position of any width.
     int SeekTo(long position);
     // Raises `code` with this file's name; returns the answer.

@@ -26,8 +26,8 @@ class KEEL_API SFM_FilePath {
 public:
     SFM_FilePath();
     SFM_FilePath(const char* path);
-    SFM_FilePath(const SFM_FilePath& other);
-    SFM_FilePath& operator=(const SFM_FilePath& other);
+    SFM_FilePath(const SFM_FilePath& other) = default;
+    SFM_FilePath& operator=(const SFM_FilePath& other) = default;
 
     // Parses `path`; a null path empties every part.  Returns fullPath.
     SYS_StringBase operator=(const char* path);
@@ -87,6 +87,10 @@ private:
     virtual void Process(const SYS_StringBase& path);
     void Regenerate();
     void Clear();
+    // Parses a non-null `path`, rebuilds the whole and returns `part`.
+    SYS_StringBase Part(const char* path, const SYS_StringBase& part);
+    // Rebuilds the whole and returns it.
+    SYS_StringBase Rebuilt();
 
 public:
     // Virtual, after Process, so that a path may be deleted through a base

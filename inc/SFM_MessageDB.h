@@ -91,8 +91,8 @@ public:
     // Reads the text source; the integer only selects this form.
     SFM_MessageDB(SYS_StringBase name, int);
     // Share the sections, the key map and the stream.
-    SFM_MessageDB(const SFM_MessageDB& other);
-    SFM_MessageDB& operator=(const SFM_MessageDB& other);
+    SFM_MessageDB(const SFM_MessageDB& other) = default;
+    SFM_MessageDB& operator=(const SFM_MessageDB& other) = default;
 
     // The text of `key`, or "" when there is none or the file is not open.
     SYS_StringBase getTxt(long key);

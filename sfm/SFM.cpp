@@ -63,21 +63,6 @@ void SFM_ForgetFile(SFM_File* file) {
 SFM_EventData::SFM_EventData(const char* name1, const char* name2)
     : error(0), fileName1(name1), fileName2(name2), result(SFM::NoAnswer) {}
 
-SFM_EventData::SFM_EventData(const SFM_EventData& other)
-    : error(other.error), fileName1(other.fileName1), fileName2(other.fileName2), text(other.text),
-      result(other.result) {}
-
-SFM_EventData& SFM_EventData::operator=(const SFM_EventData& other) {
-    error = other.error;
-    fileName1 = other.fileName1;
-    fileName2 = other.fileName2;
-    text = other.text;
-    result = other.result;
-    return *this;
-}
-
-SFM_EventData::~SFM_EventData() {}
-
 void SFM_EventData::SetResult(SFM::EventCode answer) {
     if (answer != SFM::NoAnswer && result != SFM::NoAnswer) SSM_CheckFailed("", "sfm/sfmanagr", 96);
     result = answer;

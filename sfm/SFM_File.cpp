@@ -225,27 +225,19 @@ int SFM_File::IsOpen() { return stream || tempClosed ? 1 : 0; }
 
 void SFM_File::Flush() {
     if (!IsOpen()) return;
-    ReOpen();
-    SSM_CHECK(stream, "sfm/sfmfile", 318);
-    if (stream) std::fflush(*stream);
+    if (std::FILE* fp = ReadyStream(318)) std::fflush(fp);
 }
 
 void SFM_File::Close() {
     SSM_CHECK(SFM::GetManager(), "sfm/sfmfile", 205);
-    if (IsOpen()) {
-        ReOpen();
-        errno = 0;
-        SSM_CHECK(stream, "sfm/sfmfile", 210);
-        if (stream) {
-            std::clearerr(*stream);
-            // The close's own result decides; a failure met when the manager
-            // closed the stream earlier is reported now.
-            int error = ReleaseStream(stream);
-            if (!error) error = m_DeferredError;
-            m_DeferredError = 0;
-            errno = error;
-            Raise(error ? SFM::FileCloseFailed : SFM::FileClosed);
-        }
+    if (IsOpen() && ReadyStream(210)) {
+        // The close's own result decides; a failure met when the manager
+        // closed the stream earlier is reported now.
+        int error = ReleaseStream(stream);
+        if (!error) error = m_DeferredError;
+        m_DeferredError = 0;
+        errno = error;
+        Raise(error ? SFM::FileCloseFailed : SFM::FileClosed);
     }
     if (mapped) UnmapMemory();
     stream.reset();
@@ -319,31 +311,38 @@ void SFM_File::CheckLength() {
     length = -1;
 }
 
+std::FILE* SFM_File::ReadyStream(int line) {
+    ReOpen();
+    errno = 0;
+    SSM_CHECK(stream, "sfm/sfmfile", line);
+    if (!stream) return nullptr;
+    std::clearerr(*stream);
+    return *stream;
+}
+
+int SFM_File::Failed(std::FILE* fp, SFM::EventCode code) {
+    if (!std::ferror(fp)) return 0;
+    Raise(code);
+    // A handler may have closed the file.
+    if (std::FILE* still = GetStream()) std::clearerr(still);
+    return 1;
+}
+
 long SFM_File::Read(void* buffer, long count) {
     SSM_CHECK(buffer, "sfm/sfmfile", 330);
     if (!buffer || !IsOpen()) return 0;
-    ReOpen();
-    errno = 0;
-    SSM_CHECK(stream, "sfm/sfmfile", 335);
-    if (!stream || count <= 0) return 0;
-    std::FILE* fp = *stream;
-    std::clearerr(fp);
+    std::FILE* fp = ReadyStream(335);
+    if (!fp || count <= 0) return 0;
     const long n = static_cast<long>(std::fread(buffer, 1, static_cast<size_t>(count), fp));
-    if (std::ferror(fp)) {
-        Raise(SFM::FileReadFailed);
-        if (std::FILE* still = GetStream()) std::clearerr(still);
-    }
+    Failed(fp, SFM::FileReadFailed);
     return n;
 }
 
 int SFM_File::Write(const void* buffer, long count) {
     SSM_CHECK(buffer, "sfm/sfmfile", 352);
     if (!buffer || !IsOpen()) return 0;
-    ReOpen();
-    SSM_CHECK(stream, "sfm/sfmfile", 356);
-    if (!stream) return 0;
-    std::FILE* fp = *stream;
-    errno = 0;
+    std::FILE* fp = ReadyStream(356);
+    if (!fp) return 0;
     const size_t n = count > 0 ? std::fwrite(buffer, 1, static_cast<size_t>(count), fp) : 0;
     // The error state is cleared before anyone looks at it: the result is
     // the only report of a failed write.
@@ -377,55 +376,30 @@ void SFM_File::Put(int v, int r) { PutBits<uint32_t>(*this, v, r); }
 
 char SFM_File::GetChar() {
     if (!IsOpen()) return -1;
-    ReOpen();
-    errno = 0;
-    SSM_CHECK(stream, "sfm/sfmfile", 380);
-    if (!stream) return -1;
-    std::FILE* fp = *stream;
-    std::clearerr(fp);
+    std::FILE* fp = ReadyStream(380);
+    if (!fp) return -1;
     const int c = std::fgetc(fp);
-    if (std::ferror(fp)) {
-        Raise(SFM::FileReadFailed);
-        if (std::FILE* still = GetStream()) std::clearerr(still);
-        return -1;
-    }
-    return static_cast<char>(c);
+    return Failed(fp, SFM::FileReadFailed) ? -1 : static_cast<char>(c);
 }
 
 int SFM_File::PutChar(char c) {
     if (!IsOpen()) return 0;
-    ReOpen();
-    errno = 0;
-    SSM_CHECK(stream, "sfm/sfmfile", 398);
-    if (!stream) return 0;
-    std::FILE* fp = *stream;
-    std::clearerr(fp);
+    std::FILE* fp = ReadyStream(398);
+    if (!fp) return 0;
     std::fputc(static_cast<unsigned char>(c), fp);
-    int ok = 1;
-    if (std::ferror(fp)) {
-        Raise(SFM::FileWriteFailed);
-        if (std::FILE* still = GetStream()) std::clearerr(still);
-        ok = 0;
-    }
+    const int ok = Failed(fp, SFM::FileWriteFailed) ? 0 : 1;
     CheckLength();
     return ok;
 }
 
 SYS_StringBase SFM_File::GetLine(long maxLength) {
     if (!IsOpen() || maxLength < 0) return SYS_StringBase();
-    ReOpen();
-    SSM_CHECK(stream, "sfm/sfmfile", 420);
-    if (!stream) return SYS_StringBase();
+    std::FILE* fp = ReadyStream(420);
+    if (!fp) return SYS_StringBase();
     const int limit = maxLength == 0 || maxLength >= 511 ? 511 : static_cast<int>(maxLength);
     char buffer[511];
-    std::FILE* fp = *stream;
-    errno = 0;
-    std::clearerr(fp);
     if (!std::fgets(buffer, limit, fp)) {
-        if (std::ferror(fp)) {
-            Raise(SFM::FileReadFailed);
-            if (std::FILE* still = GetStream()) std::clearerr(still);
-        }
+        Failed(fp, SFM::FileReadFailed);
         return SYS_StringBase();
     }
     return SYS_StringBase(buffer);
@@ -440,22 +414,13 @@ int SFM_File::WriteLine(const SYS_StringBase& line) {
 long SFM_File::Printf(const char* format, ...) {
     SSM_CHECK(format, "sfm/sfmfile", 450);
     if (!format || !IsOpen()) return 0;
-    ReOpen();
-    errno = 0;
-    SSM_CHECK(stream, "sfm/sfmfile", 455);
-    if (!stream) return 0;
-    std::FILE* fp = *stream;
-    std::clearerr(fp);
+    std::FILE* fp = ReadyStream(455);
+    if (!fp) return 0;
     va_list args;
     va_start(args, format);
     const int n = std::vfprintf(fp, format, args);
     va_end(args);
-    long written = n > 0 ? n : 0;
-    if (std::ferror(fp)) {
-        Raise(SFM::FileWriteFailed);
-        if (std::FILE* still = GetStream()) std::clearerr(still);
-        written = 0;
-    }
+    const long written = Failed(fp, SFM::FileWriteFailed) || n < 0 ? 0 : n;
     CheckLength();
     return written;
 }

@@ -42,21 +42,6 @@ SFM_FilePath::SFM_FilePath() {}
 
 SFM_FilePath::SFM_FilePath(const char* path) { Process(SYS_NotNull(path)); }
 
-SFM_FilePath::SFM_FilePath(const SFM_FilePath& other)
-    : fullPath(other.fullPath), basePath(other.basePath), relPath(other.relPath),
-      fileNameExt(other.fileNameExt), fileName(other.fileName), fileExtension(other.fileExtension) {
-}
-
-SFM_FilePath& SFM_FilePath::operator=(const SFM_FilePath& other) {
-    fullPath = other.fullPath;
-    basePath = other.basePath;
-    relPath = other.relPath;
-    fileNameExt = other.fileNameExt;
-    fileName = other.fileName;
-    fileExtension = other.fileExtension;
-    return *this;
-}
-
 SFM_FilePath::~SFM_FilePath() {}
 
 SYS_StringBase SFM_FilePath::operator=(const char* path) {
@@ -123,74 +108,57 @@ void SFM_FilePath::Clear() {
     Regenerate();
 }
 
-SYS_StringBase SFM_FilePath::GetBasePath(const char* path) {
+// A getter first parses a non-null path, and always rebuilds the whole.
+SYS_StringBase SFM_FilePath::Part(const char* path, const SYS_StringBase& part) {
     if (path) *this = path;
     Regenerate();
-    return basePath;
+    return part;
 }
 
-SYS_StringBase SFM_FilePath::GetRelPath(const char* path) {
-    if (path) *this = path;
+SYS_StringBase SFM_FilePath::Rebuilt() {
     Regenerate();
-    return relPath;
+    return fullPath;
 }
 
-SYS_StringBase SFM_FilePath::GetFileDirectory(const char* path) {
-    if (path) *this = path;
-    Regenerate();
-    return basePath + relPath;
-}
-
-SYS_StringBase SFM_FilePath::GetFileNameExt(const char* path) {
-    if (path) *this = path;
-    Regenerate();
-    return fileNameExt;
-}
-
-SYS_StringBase SFM_FilePath::GetFileName(const char* path) {
-    if (path) *this = path;
-    Regenerate();
-    return fileName;
-}
-
+SYS_StringBase SFM_FilePath::GetBasePath(const char* path) { return Part(path, basePath); }
+SYS_StringBase SFM_FilePath::GetRelPath(const char* path) { return Part(path, relPath); }
+SYS_StringBase SFM_FilePath::GetFileNameExt(const char* path) { return Part(path, fileNameExt); }
+SYS_StringBase SFM_FilePath::GetFileName(const char* path) { return Part(path, fileName); }
 SYS_StringBase SFM_FilePath::GetFileExtension(const char* path) {
-    if (path) *this = path;
-    Regenerate();
-    return fileExtension;
+    return Part(path, fileExtension);
+}
+SYS_StringBase SFM_FilePath::GetFileDirectory(const char* path) {
+    Part(path, fullPath);
+    return basePath + relPath;
 }
 
 SYS_StringBase SFM_FilePath::SetBasePath(const char* value) {
     basePath = SFM_FilePath(value).basePath;
-    Regenerate();
-    return fullPath;
+    return Rebuilt();
 }
 
 SYS_StringBase SFM_FilePath::SetRelPath(const char* value) {
     relPath = SFM_FilePath(value).relPath;
-    Regenerate();
-    return fullPath;
+    return Rebuilt();
 }
 
 SYS_StringBase SFM_FilePath::SetFileDirectory(const char* value) {
     const SFM_FilePath parsed(value);
     basePath = parsed.basePath;
     relPath = parsed.relPath;
-    Regenerate();
-    return fullPath;
+    return Rebuilt();
 }
 
 SYS_StringBase SFM_FilePath::SetFileName(const char* value) {
     fileName = SFM_FilePath(value).fileName;
-    Regenerate();
-    return fullPath;
+    return Rebuilt();
 }
 
 SYS_StringBase SFM_FilePath::SetFileExtension(const char* value) {
     SYS_StringBase ext(SYS_NotNull(value));
     if (ext.IsEmpty() || ext.GetAt(0) != '.') ext = "." + ext;
     fileExtension = SFM_FilePath(ext.GetString()).fileExtension;
-    Regenerate();
-    return fullPath;
+    return Rebuilt();
 }
 
 SYS_StringBase SFM_FilePath::SetFileNameExt(const char* value) {
@@ -198,34 +166,24 @@ SYS_StringBase SFM_FilePath::SetFileNameExt(const char* value) {
     return SetFileExtension(value);
 }
 
+// The two-argument setters: the matching getter with `path`, then the setter.
 SYS_StringBase SFM_FilePath::SetBasePath(const char* path, const char* value) {
-    GetBasePath(path);
-    return SetBasePath(value);
+    return GetBasePath(path), SetBasePath(value);
 }
-
 SYS_StringBase SFM_FilePath::SetRelPath(const char* path, const char* value) {
-    GetRelPath(path);
-    return SetRelPath(value);
+    return GetRelPath(path), SetRelPath(value);
 }
-
 SYS_StringBase SFM_FilePath::SetFileDirectory(const char* path, const char* value) {
-    GetFileDirectory(path);
-    return SetFileDirectory(value);
+    return GetFileDirectory(path), SetFileDirectory(value);
 }
-
 SYS_StringBase SFM_FilePath::SetFileName(const char* path, const char* value) {
-    GetFileName(path);
-    return SetFileName(value);
+    return GetFileName(path), SetFileName(value);
 }
-
 SYS_StringBase SFM_FilePath::SetFileExtension(const char* path, const char* value) {
-    GetFileExtension(path);
-    return SetFileExtension(value);
+    return GetFileExtension(path), SetFileExtension(value);
 }
-
 SYS_StringBase SFM_FilePath::SetFileNameExt(const char* path, const char* value) {
-    GetFileNameExt(path);
-    return SetFileNameExt(value);
+    return GetFileNameExt(path), SetFileNameExt(value);
 }
 
 SYS_StringBase SFM_FilePath::SetDefault(const char* path) {
@@ -234,8 +192,7 @@ SYS_StringBase SFM_FilePath::SetDefault(const char* path) {
     if (relPath.IsEmpty()) relPath = parsed.relPath;
     if (fileName.IsEmpty()) fileName = parsed.fileName;
     if (fileExtension.IsEmpty()) fileExtension = parsed.fileExtension;
-    Regenerate();
-    return fullPath;
+    return Rebuilt();
 }
 
 SYS_StringBase SFM_FilePath::SetDefPath(const char* path) {
@@ -247,8 +204,7 @@ SYS_StringBase SFM_FilePath::SetDefPath(const char* path) {
     if (!prefix.IsEmpty() && !EndsWithDefaultSeparator(prefix)) prefix += separator;
     relPath = prefix + relPath;
     if (!relPath.IsEmpty() && !EndsWithDefaultSeparator(relPath)) relPath += separator;
-    Regenerate();
-    return fullPath;
+    return Rebuilt();
 }
 
 void SFM_FilePath::AddSeparator() {

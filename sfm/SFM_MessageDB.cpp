@@ -49,17 +49,6 @@ SFM_MessageDB::SFM_MessageDB(SYS_StringBase name, int) : tableSize(0) {
     if (file.Open("r")) ReadSource();
 }
 
-SFM_MessageDB::SFM_MessageDB(const SFM_MessageDB& other)
-    : sections(other.sections), keys(other.keys), tableSize(other.tableSize), file(other.file) {}
-
-SFM_MessageDB& SFM_MessageDB::operator=(const SFM_MessageDB& other) {
-    sections = other.sections;
-    keys = other.keys;
-    tableSize = other.tableSize;
-    file = other.file;
-    return *this;
-}
-
 SFM_MessageDB::~SFM_MessageDB() {}
 
 int SFM_MessageDB::IsValid() { return 1; }
