@@ -35,12 +35,13 @@
 
 #include "SYS_Convert.h"
 
-#include "UI_DrawArea.h"
-#include "UI_Dynamic.h"
-#include "UI_PaletteColorConvertor.h"
 #include "SFM_FilePath.h"
 #include "SFM.h"
 #include "SFM_File.h"
 #include "SFM_MessageDB.h"
+
+#include "UI_DrawArea.h"
+#include "UI_Dynamic.h"
+#include "UI_PaletteColorConvertor.h"
 
 #endif // KEEL_H
