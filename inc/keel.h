@@ -7,6 +7,7 @@
 #include "SYS_CodePage.h"
 #include "SYS_String.h"
 #include "SYS_Scan.h"
+#include "SYS_StrPattern.h"
 
 #include "SYS_Exception.h"
 #include "SYS_Resource.h"

@@ -1,0 +1,352 @@
+// SYS_StrPattern.cpp - the pattern compiler, Match and Substitute.
+#include "SYS_StrPattern.h"
+#include "sys/internal/SYS_Mbcs.h"
+#include "sys/internal/SYS_PatternMachine.h"
+
+#include "SYS_CodePage.h"
+
+#include <climits>
+#include <cstring>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+inline unsigned char Byte(char c) { return static_cast<unsigned char>(c); }
+
+// The trail byte stored after a literal lead byte that came without one.
+const char kStandInTrail = '\x40';
+
+inline bool IsHexDigit(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+// Recursive descent over the pattern; each function appends its compiled
+// text and returns false when the pattern is invalid.
+class Compiler {
+public:
+    explicit Compiler(const char* source) : s(source) {}
+
+    bool Compile(std::string& out) { return List(out) && s[i] == '\0'; }
+
+private:
+    // Sequences separated by '|': every alternative but the last is
+    // introduced by '|', and each ends with 'e'.
+    bool List(std::string& out) {
+        std::string seq;
+        if (!Seq(seq)) return false;
+        while (s[i] == '|') {
+            ++i;
+            out += '|';
+            out += seq;
+            out += 'e';
+            seq.clear();
+            if (!Seq(seq)) return false;
+        }
+        out += seq;
+        out += 'e';
+        return true;
+    }
+
+    // A '^' may open a sequence; atoms follow up to a character that only a
+    // group, a set or an alternation can take.
+    bool Seq(std::string& out) {
+        if (s[i] == '^') {
+            out += '^';
+            ++i;
+        }
+        while (!std::strchr("#)*+?@]^|", s[i]))
+            if (!Atom(out)) return false;
+        return true;
+    }
+
+    bool Atom(std::string& out) {
+        std::string t;
+        const char c = s[i++];
+        switch (c) {
+        case '$':
+        case '.':
+            t += c;
+            break;
+        case '(':
+            if (++depth > SYS_PatternMaxNesting) return false;
+            t += ')';
+            if (!List(t) || s[i] != ')') return false;
+            ++i;
+            --depth;
+            break;
+        case ':':
+            // A letter that names no class leaves ':' a literal.
+            if (s[i] && std::strchr("abcdhlnuxz", s[i])) {
+                t += ':';
+                t += s[i++];
+            } else {
+                t += 'c';
+                t += ':';
+            }
+            break;
+        case '[':
+            if (!Set(t) || s[i] != ']') return false;
+            ++i;
+            break;
+        case '\\':
+            t += 'c';
+            if (!Escape(t)) return false;
+            break;
+        default:
+            --i;
+            t += 'c';
+            Char(t);
+            break;
+        }
+        // A lead byte with no trail (from \x, or at the end of the pattern)
+        // gets a stand-in trail byte, or the program would read the next
+        // node's first byte as its trail.  Only the lead byte is compared.
+        if (t.size() == 2 && t[0] == 'c' && SYS_IsLeadByte(Byte(t[1]))) t += kStandInTrail;
+        // One postfix operator per atom; a second one ends the sequence.
+        if (s[i] && std::strchr("#*+?@", s[i])) {
+            if (t.size() > 255) return false;
+            out += s[i++];
+            out += static_cast<char>(t.size());
+        }
+        out += t;
+        return true;
+    }
+
+    // The character at the cursor, with its trail byte.
+    void Char(std::string& out) {
+        const char c = s[i++];
+        out += c;
+        if (SYS_IsLeadByte(Byte(c)) && s[i]) out += s[i++];
+    }
+
+    // The byte or bytes escaped by the '\' just passed.
+    bool Escape(std::string& out) {
+        const char c = s[i];
+        char byte;
+        switch (c) {
+        case '\0':
+            return false; // nothing to escape
+        case 'b':
+            byte = '\b';
+            break;
+        case 'f':
+            byte = '\f';
+            break;
+        case 'n':
+            byte = '\n';
+            break;
+        case 'r':
+            byte = '\r';
+            break;
+        case 't':
+            byte = '\t';
+            break;
+        case 'x': {
+            // One digit d1 gives d1 - '0'; two give ((d1 - '0' + 13) * 16 + d2)
+            // modulo 256, which is the hexadecimal value for decimal digits.
+            const char d1 = s[i + 1];
+            if (!IsHexDigit(d1)) return false;
+            int value = Byte(d1) - '0';
+            if (IsHexDigit(s[i + 2])) {
+                value = ((value + 13) * 16 + Byte(s[i + 2])) & 0xFF;
+                ++i;
+            }
+            if (value == 0) return false;
+            i += 2;
+            out += static_cast<char>(value);
+            return true;
+        }
+        default:
+            Char(out);
+            return true;
+        }
+        ++i;
+        out += byte;
+        return true;
+    }
+
+    // After '[': members up to ']' (not consumed).
+    bool Set(std::string& out) {
+        char op = '[';
+        if (s[i] == '^') {
+            op = ']';
+            ++i;
+        }
+        std::string members;
+        int last = -1, lastLead = -1; // the last byte added; the lead byte before it
+        bool first = true;
+        auto noteLast = [&](size_t before) {
+            if (members.size() == before) return;
+            last = Byte(members.back());
+            lastLead = members.size() - before == 2 ? Byte(members[before]) : -1;
+        };
+        while (s[i] != ']' && s[i] != '\0') {
+            const size_t before = members.size();
+            if (s[i] == '-' && !first && s[i + 1] != ']') {
+                ++i;
+                if (s[i] == '\0') return false;
+                Range(members, last, lastLead);
+            } else if (s[i] == '\\') {
+                ++i;
+                if (!Escape(members)) return false;
+                noteLast(before);
+            } else {
+                Char(members);
+                noteLast(before);
+            }
+            first = false;
+        }
+        if (members.size() > 255) return false;
+        out += op;
+        out += static_cast<char>(members.size());
+        out += members;
+        return true;
+    }
+
+    // A range from the byte after the last one added up to the character at
+    // the cursor, byte by byte; it stops at byte 255.  Double-byte ends must
+    // share their lead byte, and each member then takes it.
+    void Range(std::string& members, int& last, int& lastLead) {
+        const unsigned char end = Byte(s[i]);
+        const bool doubleEnd = SYS_IsLeadByte(end) && s[i + 1];
+        const int top = doubleEnd ? Byte(s[i + 1]) : end;
+        i += doubleEnd ? 2 : 1;
+        if (doubleEnd ? lastLead != end : lastLead >= 0) return;
+        const int from = (last + 1) & 0xFF;
+        for (int b = from; b <= top; ++b) {
+            if (doubleEnd) members += static_cast<char>(end);
+            members += static_cast<char>(b);
+        }
+        if (from <= top) last = top;
+    }
+
+    const char* s;
+    size_t i = 0;
+    int depth = 0;
+};
+
+// The machine of the last program run on this thread, kept with its
+// buffers: a loop of Match calls with one pattern decodes it once.
+SYS_PatternMachine& MachineFor(const SYS_StringBase& program) {
+    struct Cache {
+        std::string program;
+        int codePage = -1;
+        std::unique_ptr<SYS_PatternMachine> machine;
+    };
+    thread_local Cache cache;
+    const size_t size = static_cast<size_t>(program.GetLength());
+    const int codePage = SYS_GetCodePage();
+    if (!cache.machine || cache.codePage != codePage || cache.program.size() != size ||
+        std::memcmp(cache.program.data(), program.GetString(), size) != 0) {
+        cache.program.assign(program.GetString(), size);
+        cache.codePage = codePage;
+        cache.machine.reset(new SYS_PatternMachine(program.GetString(), size));
+    }
+    return *cache.machine;
+}
+
+inline void CheckLength(size_t n) {
+    if (n > static_cast<size_t>(INT_MAX)) throw std::length_error("string too long");
+}
+
+} // namespace
+
+SYS_StrPattern::SYS_StrPattern() {}
+
+SYS_StrPattern::SYS_StrPattern(const char* source) { MakePattern(source); }
+
+SYS_StrPattern::SYS_StrPattern(const SYS_StringBase& source) { MakePattern(source.GetString()); }
+
+SYS_StrPattern::SYS_StrPattern(const SYS_StrPattern& other) : program(other.program.GetString()) {}
+
+const SYS_StrPattern& SYS_StrPattern::operator=(const char* source) {
+    MakePattern(source);
+    return *this;
+}
+
+const SYS_StrPattern& SYS_StrPattern::operator=(const SYS_StringBase& source) {
+    MakePattern(source.GetString());
+    return *this;
+}
+
+const SYS_StrPattern& SYS_StrPattern::operator=(const SYS_StrPattern& other) {
+    program = other.program.GetString();
+    return *this;
+}
+
+void SYS_StrPattern::MakePattern(const char* source) {
+    program.Empty();
+    if (!source || !*source) return;
+    std::string out;
+    if (!Compiler(source).Compile(out)) return;
+    CheckLength(out.size());
+    program.Append(out.data(), static_cast<int>(out.size()));
+}
+
+int SYS_StrPattern::Match(const char* text, int* length) const {
+    SYS_PatternMachine::ResetStats();
+    int unused;
+    if (!length) length = &unused;
+    *length = 0;
+    if (program.IsEmpty() || !text || !*text) return -1;
+    SYS_PatternMachine& machine = MachineFor(program);
+    size_t n = 0;
+    const long at = machine.Find(text, &n);
+    *length = static_cast<int>(n);
+    return static_cast<int>(at);
+}
+
+int SYS_StrPattern::Substitute(SYS_StringBase& target, const SYS_StringBase& replacement,
+                               int maxCount) const {
+    SYS_PatternMachine::ResetStats();
+    if (maxCount < 0) return 0;
+    // The text is read as the C text of GetBuffer(0), which leaves an empty
+    // target with a length of 1.
+    const char* text = target.GetBuffer(0);
+    if (program.IsEmpty()) return 0;
+    SYS_PatternMachine& machine = MachineFor(program);
+    if (!machine.IsValid()) return 0;
+
+    // The result is built in one pass: each search starts where the previous
+    // match ended, on text no replacement has touched.
+    const char* with = replacement.GetString();
+    const size_t withLength = std::strlen(with);
+    std::string out;
+    size_t at = 0;
+    int count = 0;
+    while (maxCount == 0 || count < maxCount) {
+        size_t n = 0;
+        const long m = machine.Find(text + at, &n);
+        if (m < 0) break;
+        out.append(text + at, static_cast<size_t>(m));
+        if (m == 0 && n == 0) {
+            // An empty match where the search began: the next search would
+            // find it again.  With a limit, the replacement goes in as often
+            // as the limit allows; without one, it goes in once and the
+            // search moves on by one character.
+            if (maxCount) {
+                CheckLength(out.size() + withLength * static_cast<size_t>(maxCount - count));
+                for (; count < maxCount && withLength; ++count) out.append(with, withLength);
+                count = maxCount;
+                break;
+            }
+            out.append(with, withLength);
+            ++count;
+            const size_t step = static_cast<size_t>(SYS_MbcLen(text + at));
+            out.append(text + at, step);
+            at += step;
+            continue;
+        }
+        out.append(with, withLength);
+        at += static_cast<size_t>(m) + n;
+        ++count;
+        CheckLength(out.size());
+    }
+    if (count == 0) return 0;
+    out.append(text + at);
+    CheckLength(out.size());
+    target = SYS_StringBase(out.data(), static_cast<int>(out.size()));
+    return count;
+}

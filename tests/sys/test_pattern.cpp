@@ -1,0 +1,267 @@
+// Tests of SYS_StrPattern: compiled programs, matching rules, substitution,
+// double-byte text, and the bounds on work and stack for any input.
+#include "SYS_CodePage.h"
+#include "SYS_StrPattern.h"
+#include "sys/internal/SYS_PatternMachine.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+class CodePage {
+public:
+    explicit CodePage(int cp) : m_Previous(SYS_SetCodePage(cp)) {}
+    ~CodePage() { SYS_SetCodePage(m_Previous); }
+
+private:
+    int m_Previous;
+};
+
+std::string Program(const SYS_StrPattern& p) {
+    return std::string(p.program.GetString(), static_cast<size_t>(p.program.GetLength()));
+}
+
+struct Found {
+    int at, length;
+};
+Found Find(const char* pattern, const char* text) {
+    Found f{0, -1};
+    f.at = SYS_StrPattern(pattern).Match(text, &f.length);
+    return f;
+}
+
+TEST(Pattern, CompilesToByteProgram) {
+    CodePage cp(0);
+    const struct {
+        const char* pattern;
+        std::string program;
+    } cases[] = {
+        {"a|b", "|caecbe"},
+        {"(ab)*", std::string("*\x06)cacbee")},
+        {"a|", "|caee"},
+        {"^a?", std::string("^?\x02"
+                            "cae")},
+        {":d+:q", std::string("+\x02:dc:cqe")},  // :q names no class
+        {"$.\\t\\x41\\xa\\x4a", "$.c\tcAc1cqe"}, // the exact hexadecimal arithmetic
+        {"[a-c][^-a][a-][c-a]", std::string("[\x03"
+                                            "abc]\x02-a[\x02"
+                                            "a-[\x01"
+                                            "ce")},
+        {"[a-cx-z]", std::string("[\x06"
+                                 "abcxyze")},
+        {"[\xfd-\xff]", std::string("[\x03\xfd\xfe\xff"
+                                    "e")}, // stops at 255
+        {"[\xff-\x01]", std::string("[\x03\xff\x00\x01"
+                                    "e",
+                                    6)}, // wraps to 0
+        {"[]", std::string("[\x00"
+                           "e",
+                           3)},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(Program(SYS_StrPattern(c.pattern)), c.program) << c.pattern;
+
+    // Copies cut at the zero byte; the cut program never matches.
+    SYS_StrPattern empty("[]|a"), copy(empty);
+    EXPECT_EQ(Program(copy), "|[");
+    SYS_StrPattern assigned;
+    assigned = SYS_StrPattern("[\xff-\x01]");
+    EXPECT_EQ(Program(assigned), "[\x03\xff");
+    int n;
+    EXPECT_EQ(empty.Match("xa", &n), 1);
+    EXPECT_EQ(copy.Match("xa", &n), -1);
+    EXPECT_STREQ(static_cast<const char*>(SYS_StrPattern("ab")), "cacbe");
+}
+
+TEST(Pattern, InvalidPatternsCompileToNothing) {
+    const std::string deep =
+        std::string(SYS_PatternMaxNesting, '(') + "a" + std::string(SYS_PatternMaxNesting, ')');
+    EXPECT_EQ(Find(deep.c_str(), "a").length, 1);
+    for (const std::string& bad :
+         {std::string("a**"), std::string("ab)"), std::string("[abc"), std::string("^^a"),
+          std::string("a^"), std::string("\\x0"), std::string("\\x00"), std::string("\\xg"),
+          std::string("a\\"), std::string("(a|*)"), std::string("*a"), std::string("[a-"),
+          "(" + deep + ")", std::string(1 << 20, '(')}) {
+        SYS_StrPattern p(bad.c_str());
+        EXPECT_TRUE(p.program.IsEmpty()) << bad.substr(0, 20);
+        SYS_StringBase target("aaa");
+        EXPECT_EQ(p.Substitute(target, "b", 0), 0);
+    }
+    SYS_StrPattern p(nullptr);
+    EXPECT_TRUE(p.program.IsEmpty());
+    // A program a host wrote itself is decoded with bounds checks.
+    p.program = "*\x09"
+                "ca";
+    int n;
+    EXPECT_EQ(p.Match("aaa", &n), -1);
+}
+
+TEST(Pattern, MatchingRules) {
+    CodePage cp(0);
+    const struct {
+        const char* pattern;
+        const char* text;
+        int at, length;
+    } cases[] = {
+        {"b+", "aabbbc", 2, 3},
+        {"b*", "bbb", 0, 3},
+        {"b*", "abbb", 0, 0},
+        {"b@", "bbb", 0, 1},
+        {"b@", "abbb", 0, 0},
+        {"b#", "abbb", 1, 1},
+        {"a@b", "aaab", 0, 4},
+        {"a@a", "a", -1, 0}, // '@' tries zero repetitions only when the operand fails
+        {"a*a", "a", -1, 0}, // the greedy repetition never gives back its first
+        {"a*a", "aa", 0, 2},
+        {"a?ab", "ab", 0, 2},
+        {"(ab)?ab", "abab", 0, 4},
+        {"^b", "ab", -1, 0},
+        {"a(^b)", "ab", 0, 2}, // '^' asks where the attempt began
+        {"x|^b", "ab", -1, 0},
+        {"b$", "abb", 2, 1},
+        {"$", "abc", -1, 0}, // never at the terminating zero
+        {"x*", "", -1, 0},
+        {".", "", -1, 0},
+        {":z", "ab123cd", 2, 3},
+        {":n", "x-1.5y", 1, 4},
+        {":h", "zz1Fg", 2, 2},
+        {":q", "a:q", 1, 2},
+        {":a+:b:u:l:x", "-Ab9 Qqf", 1, 7},
+        {"[a-c]+", "xxbcay", 2, 3},
+        {"[^a-c]", "abcd", 3, 1},
+        {"[]", "abc", -1, 0},
+        {"[^]", "abc", 0, 1},
+        {"a|ab", "ab", 0, 2}, // the furthest end wins
+        {"ab|abcd|abc", "abcdx", 0, 4},
+        {"(a|ab)c", "abc", 0, 3},
+        {"(x*)*y", "aay", 2, 1}, // an operand that matched nothing is not repeated
+    };
+    for (const auto& c : cases) {
+        const Found f = Find(c.pattern, c.text);
+        EXPECT_EQ(f.at, c.at) << c.pattern << " in " << c.text;
+        EXPECT_EQ(f.length, c.length) << c.pattern << " in " << c.text;
+    }
+}
+
+TEST(Pattern, Substitute) {
+    const struct {
+        const char* pattern;
+        const char* target;
+        const char* with;
+        int max;
+        const char* result;
+        int count;
+    } cases[] = {
+        {"a", "banana", "o", 0, "bonono", 3},
+        {"a", "banana", "o", 1, "bonana", 1},
+        {"a", "banana", "", 0, "bnn", 3},
+        {"^a", "aaab", "x", 0, "xxxb", 3}, // '^' holds at every continuation
+        {"x*", "abc", "", 0, "abc", 3},    // empty matches move on by a character
+        {"x*", "abc", "-", 0, "-a-b-c", 3},
+        {"b*", "abbc", "-", 0, "-a--c", 3},
+        {"x*", "abc", "-", 4, "----abc", 4}, // with a limit they repeat in place
+        {"x*", "abc", "", 2000000000, "abc", 2000000000},
+        {"a", "banana", "o", -1, "banana", 0},
+        {"(", "banana", "o", 0, "banana", 0},
+    };
+    for (const auto& c : cases) {
+        SYS_StringBase target(c.target);
+        EXPECT_EQ(SYS_StrPattern(c.pattern).Substitute(target, c.with, c.max), c.count)
+            << c.pattern << " in " << c.target;
+        EXPECT_STREQ(target.GetString(), c.result) << c.pattern << " in " << c.target;
+    }
+    SYS_StringBase empty;
+    EXPECT_EQ(SYS_StrPattern("a").Substitute(empty, "b", 0), 0);
+    EXPECT_EQ(empty.GetLength(), 1); // read through GetBuffer(0)
+}
+
+TEST(Pattern, DoubleByteText) {
+    CodePage cp(932);
+    EXPECT_EQ(Program(SYS_StrPattern("\x82\xa0")), "c\x82\xa0"
+                                                   "e");
+    EXPECT_EQ(Program(SYS_StrPattern("[\x82\xa0-\x82\xa2]")), "[\x06\x82\xa0\x82\xa1\x82\xa2"
+                                                              "e");
+    EXPECT_EQ(Program(SYS_StrPattern("[\x82\xa0-\x83\x40]")), "[\x02\x82\xa0"
+                                                              "e"); // leads differ
+    EXPECT_EQ(Program(SYS_StrPattern("\\\x82|")), "c\x82|e"); // the trail byte goes with its lead
+    EXPECT_EQ(Program(SYS_StrPattern("\\x82|a\x82")), "|c\x82\x40" "ecac\x82\x40" "e"); // lone leads
+    const struct {
+        const char* pattern;
+        const char* text;
+        int at, length;
+    } cases[] = {
+        {"\x82\xa0", "a\x82\xa1", 1, 2},   // lead bytes compared only
+        {"[\x82\xa0]", "a\x82\x41", 1, 2}, // and in sets
+        {"[^\x82\xa0]", "\x82\x41z", 2, 1},
+        {"..",
+         "\x82\xa0"
+         "ab",
+         0, 3},
+        {"\xa0", "\x82\xa0", -1, 0}, // no match starts on a trail byte
+        {":c",
+         "\x82\x61"
+         "a",
+         2, 1},
+        {"\x82\xa0+", "\x82\xa0\x82\xa1x", 0, 4},
+        {"\\x82|a", "\x82\x99", 0, 2},
+    };
+    for (const auto& c : cases) {
+        const Found f = Find(c.pattern, c.text);
+        EXPECT_EQ(f.at, c.at) << c.pattern;
+        EXPECT_EQ(f.length, c.length) << c.pattern;
+    }
+    SYS_StringBase target("\x82\xa0");
+    EXPECT_EQ(SYS_StrPattern("x*").Substitute(target, "-", 0), 1);
+    EXPECT_STREQ(target.GetString(), "-\x82\xa0");
+}
+
+// Patterns whose backtracking explodes, run on texts of a few hundred
+// characters: the step counts stay polynomial.
+TEST(Pattern, HeavyBacktrackingIsBounded) {
+    const std::string as(300, 'a');
+    std::string optional, alternatives;
+    for (int i = 0; i < 30; ++i) optional += "a?", alternatives += "(a|a)";
+    const struct {
+        std::string pattern;
+        int at;
+    } cases[] = {
+        {optional + std::string(30, 'a') + "b", -1},
+        {alternatives + "b", -1},
+        {".*.*.*.*.*b", -1},
+        {"(a*)*(a+)+(a@)@b", -1},
+        {"(.|a)*(a|.)*$", 0},
+    };
+    for (const auto& c : cases) {
+        int n;
+        EXPECT_EQ(SYS_StrPattern(c.pattern.c_str()).Match(as.c_str(), &n), c.at) << c.pattern;
+        EXPECT_LT(SYS_PatternLastStats().steps, 20000000) << c.pattern;
+    }
+}
+
+// An 8 MB text: repetitions keep their positions as runs, and the
+// backtracking stack stays a few frames deep.
+TEST(Pattern, LongTextsKeepTheStackFlat) {
+    std::string text;
+    for (int i = 0; i < (4 << 20); ++i) text += "ab";
+    const struct {
+        const char* pattern;
+        int at, length;
+    } cases[] = {
+        {".*", 0, 8 << 20},
+        {"(ab)*$", 0, 8 << 20},
+        {"(ab)+x|b(ab)@$", 1, (8 << 20) - 1},
+        {"[ab]*b", 0, 8 << 20},
+    };
+    for (const auto& c : cases) {
+        const Found f = Find(c.pattern, text.c_str());
+        EXPECT_EQ(f.at, c.at) << c.pattern;
+        EXPECT_EQ(f.length, c.length) << c.pattern;
+        const SYS_PatternStats s = SYS_PatternLastStats();
+        EXPECT_LE(s.peakFrames, 8u) << c.pattern;
+        EXPECT_LE(s.peakRuns, 2u) << c.pattern;
+    }
+}
+
+} // namespace
