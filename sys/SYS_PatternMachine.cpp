@@ -28,7 +28,8 @@ enum : uint8_t {
     fAlt,    // alternatives of ins at p: x the next one, y the furthest end
     fCall,   // an operand call of repetition ins at p; x the run count then
     fGreedy, // positions after repetitions of ins: runs from x up
-    fLazy,   // lazy repetition ins, p the position after the last one
+    fLazy,   // lazy repetition ins, p the position after the last one; with the
+             // outcome cache, the positions it passed are runs from x up
     fMemo,   // the outcome of the branch ins at p, to be remembered as key x
 };
 
@@ -349,8 +350,9 @@ size_t SYS_PatternMachine::CharLen(size_t p) const {
                         : 1;
 }
 
+// Instructions and, numbered after them, the loops of lazy repetitions.
 uint64_t SYS_PatternMachine::Key(int32_t ins, size_t p) const {
-    return (static_cast<uint64_t>(p) * 2 + (m_AtZero ? 1 : 0)) * m_Ins.size() +
+    return (static_cast<uint64_t>(p) * 2 + (m_AtZero ? 1 : 0)) * 2 * m_Ins.size() +
            static_cast<uint64_t>(ins);
 }
 
@@ -396,18 +398,20 @@ size_t SYS_PatternMachine::PopRun() {
     return q;
 }
 
-long SYS_PatternMachine::Find(const char* text, size_t* length) {
+long SYS_PatternMachine::Find(const char* text, size_t from, size_t* length, bool fresh) {
     *length = 0;
-    if (m_Entry < 0 || !text || !*text) return -1;
+    if (m_Entry < 0 || !text || !text[from]) return -1;
+    if (fresh) {
+        m_Steps = 0;
+        m_MemoOn = false;
+        ++m_Generation; // forget every outcome remembered so far
+    }
     m_Text = reinterpret_cast<const unsigned char*>(text);
-    m_Steps = 0;
-    m_Scanned = 0;
-    m_MemoOn = false;
-    ++m_Generation;
+    const long long stepsBefore = m_Steps;
 
     long found = -1;
-    for (size_t p = 0; m_Text[p]; p += CharLen(p)) {
-        if (m_Anchored && p > 0) break;
+    for (size_t p = from; m_Text[p]; p += CharLen(p)) {
+        if (m_Anchored && p > from) break;
         if (!m_AnyFirst) {
             // Skip to a byte a match can begin with (the set never holds 0).
             if (m_FirstByte >= 0 && !m_DoubleByte) {
@@ -419,18 +423,21 @@ long SYS_PatternMachine::Find(const char* text, size_t* length) {
                 if (!m_Text[p]) break;
             }
         }
-        m_AtZero = p == 0;
+        // An outcome depends on the text from its position on and on
+        // whether the attempt began where this search did, which is all
+        // that '^' asks; so outcomes hold from one search to the next.
+        m_AtZero = p == from;
         // Searches that take more than a linear number of steps start
-        // remembering outcomes; long scans of repetitions do not count.
+        // remembering outcomes.
         m_Budget = 4096 + 64 * static_cast<long long>(p + 1);
         const size_t end = Search(p);
         if (end != kNone) {
             *length = end - p;
-            found = static_cast<long>(p);
+            found = static_cast<long>(p - from);
             break;
         }
     }
-    t_Stats.steps += m_Steps;
+    t_Stats.steps += m_Steps - stepsBefore;
     if (m_MemoOn) t_Stats.memo = 1;
     return found;
 }
@@ -447,6 +454,7 @@ size_t SYS_PatternMachine::Search(size_t start) {
     // and `value` tell how it went.
     int32_t rep = 0;
     size_t from = 0;
+    const int32_t loops = static_cast<int32_t>(m_Ins.size()); // keys of lazy loops
     uint8_t why = cGreedy;
     bool ok = false;
 
@@ -480,6 +488,61 @@ size_t SYS_PatternMachine::Search(size_t start) {
             mode = running;
         }
     };
+    // Back from an operand call, to the repetition that made it.
+    auto leaveCall = [&](bool succeeded) {
+        const Frame& f = m_Frames.back();
+        m_Runs.resize(f.x);
+        rep = f.ins;
+        from = f.p;
+        why = f.phase;
+        ok = succeeded;
+        m_Frames.pop_back();
+        mode = returning;
+    };
+    // Starts the next alternative of `f`, if there is one.
+    auto nextAlternative = [&](Frame& f) {
+        const Ins& in = m_Ins[static_cast<size_t>(f.ins)];
+        if (f.x >= static_cast<size_t>(in.b)) return false;
+        pc = m_Alts[static_cast<size_t>(in.a) + f.x];
+        p = f.p;
+        ++f.x;
+        mode = running;
+        return true;
+    };
+    // The repetition on top is done, with `result` from every position
+    // stored in its runs: with the cache on, that is remembered for `ins`.
+    auto rememberRuns = [&](int32_t ins, size_t result) {
+        const size_t base = m_Frames.back().x;
+        if (m_MemoOn)
+            for (size_t k = base; k < m_Runs.size(); ++k)
+                for (size_t c = 0; c < m_Runs[k].count; ++c)
+                    Remember(Key(ins, m_Runs[k].start + m_Runs[k].stride * c), result);
+        m_Runs.resize(base);
+    };
+    // A lazy repetition (the frame on top) ends with `result` (kNone for
+    // failure), which is then also the outcome of its loop from every
+    // position it passed.
+    auto settleLazy = [&](size_t result) {
+        rememberRuns(m_Frames.back().ins + loops, result);
+        m_Frames.pop_back();
+    };
+    // The lazy repetition on top has reached q: the rest is tried there,
+    // unless the outcome of its loop from q is known.
+    auto lazyStep = [&](size_t q) {
+        Frame& f = m_Frames.back();
+        f.p = q;
+        size_t known;
+        if (m_MemoOn && Recall(f.ins + loops, q, known)) {
+            settleLazy(known);
+            value = known;
+            mode = known == kNone ? failing : succeeding;
+            return;
+        }
+        if (m_MemoOn) pushRun(f.x, q);
+        p = q;
+        pc = m_Ins[static_cast<size_t>(f.ins)].next;
+        mode = running;
+    };
     // At a branch: answers from the cache when it knows the outcome,
     // otherwise arranges for the outcome to be remembered.
     auto recalled = [&]() {
@@ -497,7 +560,7 @@ size_t SYS_PatternMachine::Search(size_t start) {
     for (;;) {
         switch (mode) {
         case running: {
-            if (++m_Steps > m_Budget + m_Scanned && !m_MemoOn) {
+            if (++m_Steps > m_Budget && !m_MemoOn) {
                 // Heavy backtracking: from here on, remember outcomes.
                 m_MemoOn = true;
                 if (m_Memo.empty()) m_Memo.assign(kMemoStart, MemoEntry{0, 0, 0});
@@ -565,7 +628,6 @@ size_t SYS_PatternMachine::Search(size_t start) {
                         q += CharLen(q);
                         pushRun(base, q);
                         ++m_Steps;
-                        ++m_Scanned;
                     }
                     if (q == p) {
                         m_Frames.pop_back();
@@ -591,31 +653,25 @@ size_t SYS_PatternMachine::Search(size_t start) {
             const Ins& in = m_Ins[static_cast<size_t>(rep)];
             const size_t q = value;
             if (why == cLazyFirst) {
-                if (!ok) {
-                    if (in.arg) {
-                        mode = failing;
-                        break;
-                    }
-                    p = from;
+                if (ok) {
+                    push({fLazy, 0, rep, q, m_Runs.size(), 0});
+                    lazyStep(q);
+                } else if (in.arg) {
+                    mode = failing;
                 } else {
-                    push({fLazy, 0, rep, q, 0, 0});
-                    p = q;
+                    p = from;
+                    pc = in.next;
+                    mode = running;
                 }
-                pc = in.next;
-                mode = running;
                 break;
             }
             if (why == cLazyNext) {
-                Frame& f = m_Frames.back();
-                if (!ok || q == f.p) { // no further repetition, or no progress
-                    m_Frames.pop_back();
+                if (!ok || q == m_Frames.back().p) { // no further repetition, or no progress
+                    settleLazy(kNone);
                     mode = failing;
-                    break;
+                } else {
+                    lazyStep(q);
                 }
-                f.p = q;
-                p = q;
-                pc = in.next;
-                mode = running;
                 break;
             }
             // Greedy: collect the positions after each repetition.
@@ -661,40 +717,32 @@ size_t SYS_PatternMachine::Search(size_t start) {
             Frame& f = m_Frames.back();
             switch (f.type) {
             case fChoice:
-            case fLazy:
                 m_Frames.pop_back();
                 break;
+            case fLazy:
+                settleLazy(value);
+                break;
             case fGreedy:
-                m_Runs.resize(f.x);
+                // The rest matched after fewer repetitions than those left
+                // untried, so from each of their positions the repetition
+                // gives this end too.
+                rememberRuns(f.ins, value);
                 m_Frames.pop_back();
                 break;
             case fMemo:
                 Remember(f.x, value);
                 m_Frames.pop_back();
                 break;
-            case fAlt: {
+            case fAlt:
                 if (f.y == kNone || value > f.y) f.y = value;
-                const Ins& in = m_Ins[static_cast<size_t>(f.ins)];
-                if (m_Text[value] && f.x < static_cast<size_t>(in.b)) {
-                    // Another alternative may reach further.
-                    pc = m_Alts[static_cast<size_t>(in.a) + f.x];
-                    p = f.p;
-                    ++f.x;
-                    mode = running;
-                    break;
-                }
+                // Short of the end of the text, another alternative may
+                // reach further.
+                if (m_Text[value] && nextAlternative(f)) break;
                 value = f.y;
                 m_Frames.pop_back();
                 break;
-            }
             case fCall:
-                m_Runs.resize(f.x);
-                rep = f.ins;
-                from = f.p;
-                why = f.phase;
-                ok = true;
-                m_Frames.pop_back();
-                mode = returning;
+                leaveCall(true);
                 break;
             }
             break;
@@ -732,28 +780,14 @@ size_t SYS_PatternMachine::Search(size_t start) {
                 Remember(f.x, kNone);
                 m_Frames.pop_back();
                 break;
-            case fAlt: {
-                const Ins& in = m_Ins[static_cast<size_t>(f.ins)];
-                if (f.x < static_cast<size_t>(in.b)) {
-                    pc = m_Alts[static_cast<size_t>(in.a) + f.x];
-                    p = f.p;
-                    ++f.x;
-                    mode = running;
-                } else {
-                    value = f.y;
-                    m_Frames.pop_back();
-                    if (value != kNone) mode = succeeding;
-                }
-                break;
-            }
-            case fCall:
-                m_Runs.resize(f.x);
-                rep = f.ins;
-                from = f.p;
-                why = f.phase;
-                ok = false;
+            case fAlt:
+                if (nextAlternative(f)) break;
+                value = f.y;
                 m_Frames.pop_back();
-                mode = returning;
+                if (value != kNone) mode = succeeding;
+                break;
+            case fCall:
+                leaveCall(false);
                 break;
             }
             break;

@@ -293,7 +293,7 @@ int SYS_StrPattern::Match(const char* text, int* length) const {
     if (program.IsEmpty() || !text || !*text) return -1;
     SYS_PatternMachine& machine = MachineFor(program);
     size_t n = 0;
-    const long at = machine.Find(text, &n);
+    const long at = machine.Find(text, 0, &n, true);
     *length = static_cast<int>(n);
     return static_cast<int>(at);
 }
@@ -310,16 +310,21 @@ int SYS_StrPattern::Substitute(SYS_StringBase& target, const SYS_StringBase& rep
     if (!machine.IsValid()) return 0;
 
     // The result is built in one pass: each search starts where the previous
-    // match ended, on text no replacement has touched.
+    // match ended, on text no replacement has touched, so what one search
+    // learnt about the text still holds for the next.
     const char* with = replacement.GetString();
     const size_t withLength = std::strlen(with);
     std::string out;
     size_t at = 0;
     int count = 0;
-    while (maxCount == 0 || count < maxCount) {
+    bool searchedLast = false; // the last step was a search that found nothing
+    for (bool fresh = true; maxCount == 0 || count < maxCount; fresh = false) {
         size_t n = 0;
-        const long m = machine.Find(text + at, &n);
-        if (m < 0) break;
+        const long m = machine.Find(text, at, &n, fresh);
+        if (m < 0) {
+            searchedLast = true;
+            break;
+        }
         out.append(text + at, static_cast<size_t>(m));
         if (m == 0 && n == 0) {
             // An empty match where the search began: the next search would
@@ -348,5 +353,8 @@ int SYS_StrPattern::Substitute(SYS_StringBase& target, const SYS_StringBase& rep
     out.append(text + at);
     CheckLength(out.size());
     target = SYS_StringBase(out.data(), static_cast<int>(out.size()));
+    // That search read the target through GetBuffer(0) too, which gives a
+    // target emptied by the replacements a length of 1.
+    if (searchedLast) target.GetBuffer(0);
     return count;
 }

@@ -9,8 +9,7 @@
 //
 // Results are those of the plain recursive definition of the language:
 // - '|' tries every alternative followed by the rest and keeps the furthest
-//   end (a first alternative that reaches the end of the text ends the
-//   search);
+//   end (one that reaches the end of the text ends the trying);
 // - '?' takes the operand followed by the rest, else the rest;
 // - '*' and '+' match their operand as a pattern of its own, once per
 //   repetition, then try the rest after the most repetitions first;
@@ -22,7 +21,8 @@
 // Positions after greedy repetitions are kept as runs of equal strides, so a
 // repetition over megabytes costs a few words.  A search that spends more
 // than a linear number of steps starts remembering the outcome of each branch
-// at each position (a bounded cache), which keeps it polynomial.
+// at each position (a bounded cache), which keeps it polynomial; successive
+// searches of one text (Substitute's) share what they remembered.
 #ifndef SYS_PATTERNMACHINE_H
 #define SYS_PATTERNMACHINE_H
 
@@ -55,9 +55,11 @@ public:
 
     bool IsValid() const { return m_Entry >= 0; }
 
-    // Offset of the leftmost match in the NUL-terminated `text` and its
-    // length, or -1.
-    long Find(const char* text, size_t* length);
+    // Offset from `from` of the leftmost match in the NUL-terminated text
+    // from there on, and its length, or -1.  `fresh` starts a new search;
+    // otherwise the outcomes remembered by the previous calls on the same
+    // `text` still hold, which the caller guarantees has not changed.
+    long Find(const char* text, size_t from, size_t* length, bool fresh);
 
     // Starts the statistics of a new Match or Substitute.
     static void ResetStats();
@@ -113,12 +115,11 @@ private:
     bool m_Anchored = false; // the program begins with '^'
     bool m_DoubleByte = false;
 
-    // State of one Find.
+    // State of a search (Find calls on one text).
     const unsigned char* m_Text = nullptr;
     bool m_AtZero = false;
     long long m_Steps = 0;
-    long long m_Budget = 0;  // steps before outcomes are remembered
-    long long m_Scanned = 0; // characters taken by one-character repetitions
+    long long m_Budget = 0; // steps before outcomes are remembered
     std::vector<Frame> m_Frames;
     std::vector<Run> m_Runs;
     std::vector<MemoEntry> m_Memo;
