@@ -9,7 +9,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 need=()
-for p in cmake g++ make python3 libgtest-dev libgmock-dev libbenchmark-dev libboost-dev libpng-dev; do
+for p in cmake g++ make python3 pkg-config libgtest-dev libgmock-dev libbenchmark-dev libboost-dev \
+    libpng-dev libpcre2-dev; do
     dpkg -s "$p" >/dev/null 2>&1 || need+=("$p")
 done
 if [ ${#need[@]} -gt 0 ]; then
