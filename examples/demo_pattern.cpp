@@ -26,18 +26,22 @@ void ShowMatches(const char* pattern, const char* what) {
                 found.c_str());
 }
 
-// The netlist after Substitute, shown line by line.
-void ShowSubstitute(const char* pattern, const char* with, int maxCount, const char* what) {
-    SYS_StringBase text(kNetlist);
-    const int n = SYS_StrPattern(pattern).Substitute(text, with, maxCount);
-    std::printf("  Substitute('%s' -> '%s', %s): %d replaced, %s\n", pattern, with,
-                maxCount ? "limit 1" : "no limit", n, what);
-    std::string lines(text.GetString());
+// A text line by line, indented.
+void ShowLines(const std::string& lines) {
     for (size_t start = 0, end; start < lines.size(); start = end + 1) {
         end = lines.find('\n', start);
         if (end == std::string::npos) end = lines.size();
         std::printf("      %s\n", lines.substr(start, end - start).c_str());
     }
+}
+
+// The netlist after Substitute.
+void ShowSubstitute(const char* pattern, const char* with, int maxCount, const char* what) {
+    SYS_StringBase text(kNetlist);
+    const int n = SYS_StrPattern(pattern).Substitute(text, with, maxCount);
+    std::printf("  Substitute('%s' -> '%s', %s): %d replaced, %s\n", pattern, with,
+                maxCount ? "limit 1" : "no limit", n, what);
+    ShowLines(text.GetString());
 }
 
 } // namespace
@@ -48,8 +52,7 @@ KEEL_DEMO_STEP(15, "Patterns: finding and renaming nets") {
               "Substitute replaces from left to right. Whatever a user types, a pattern never "
               "hangs and never runs out of stack.");
     std::printf("  netlist:\n");
-    std::printf("      %s", "NET N12_CLK U3-4 R7-1;\n      NET GND U3-8 C2-2 C5-2;\n"
-                            "      NET N7_RST U3-1 R9-2;\n      PAD 14 TOP_COPPER 0.25;\n");
+    ShowLines(kNetlist);
     ShowMatches("N:d+_:u+", "generated net names (':d' digit, ':u' capital)");
     ShowMatches("U:d+-:z", "pins of U parts (':z' a whole integer)");
     ShowMatches("C:d+|R:d+", "capacitors or resistors");

@@ -379,6 +379,16 @@ void SYS_PatternMachine::Remember(uint64_t key, size_t value) {
     m_Memo[Slot(key, m_Memo.size())] = {key, m_Generation, value};
 }
 
+void SYS_PatternMachine::Trim() {
+    const size_t keep = 4096;
+    if (m_Frames.capacity() > keep) std::vector<Frame>().swap(m_Frames);
+    if (m_Runs.capacity() > keep) std::vector<Run>().swap(m_Runs);
+    if (m_Memo.size() > 16 * kMemoStart) {
+        std::vector<MemoEntry>().swap(m_Memo);
+        m_MemoWrites = 0;
+    }
+}
+
 void SYS_PatternMachine::PushRun(size_t q) {
     Run& r = m_Runs.back();
     if (r.count == 1) {

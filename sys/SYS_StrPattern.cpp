@@ -294,6 +294,7 @@ int SYS_StrPattern::Match(const char* text, int* length) const {
     SYS_PatternMachine& machine = MachineFor(program);
     size_t n = 0;
     const long at = machine.Find(text, 0, &n, true);
+    machine.Trim();
     *length = static_cast<int>(n);
     return static_cast<int>(at);
 }
@@ -349,6 +350,7 @@ int SYS_StrPattern::Substitute(SYS_StringBase& target, const SYS_StringBase& rep
         ++count;
         CheckLength(out.size());
     }
+    machine.Trim();
     if (count == 0) return 0;
     out.append(text + at);
     CheckLength(out.size());

@@ -64,6 +64,10 @@ public:
     // Starts the statistics of a new Match or Substitute.
     static void ResetStats();
 
+    // Gives back the buffers a long search grew, so that the thread that
+    // keeps this machine does not keep them too.
+    void Trim();
+
 private:
     struct ByteSet {
         uint64_t bits[4];
