@@ -10,8 +10,6 @@ namespace {
 
 inline bool IsSign(char c) { return c == '-' || c == '+'; }
 
-inline bool IsHexDigit(char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; }
-
 inline int AtEnd(const char* p) { return p && *p == '\0' ? 1 : 0; }
 
 } // namespace
@@ -59,7 +57,7 @@ char* getinteger(const char* s, int kind) {
         char c = *p;
         if (IsSign(c)) continue;
         if (kind == 3) {
-            if (!IsHexDigit(c)) break;
+            if (!SYS_IsHexDigit(c)) break;
         } else if (!SYS_IsMbcDigit(p) || (kind == 2 && c > '7')) {
             break;
         }

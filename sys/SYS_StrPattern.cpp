@@ -1,6 +1,7 @@
 // SYS_StrPattern.cpp - the pattern compiler, Match and Substitute.
 #include "SYS_StrPattern.h"
 #include "sys/internal/SYS_Mbcs.h"
+#include "sys/internal/SYS_Numbers.h"
 #include "sys/internal/SYS_PatternMachine.h"
 
 #include "SYS_CodePage.h"
@@ -17,10 +18,6 @@ inline unsigned char Byte(char c) { return static_cast<unsigned char>(c); }
 
 // The trail byte stored after a literal lead byte that came without one.
 const char kStandInTrail = '\x40';
-
-inline bool IsHexDigit(char c) {
-    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
 
 // Recursive descent over the pattern; each function appends its compiled
 // text and returns false when the pattern is invalid.
@@ -147,9 +144,9 @@ private:
             // One digit d1 gives d1 - '0'; two give ((d1 - '0' + 13) * 16 + d2)
             // modulo 256, which is the hexadecimal value for decimal digits.
             const char d1 = s[i + 1];
-            if (!IsHexDigit(d1)) return false;
+            if (!SYS_IsHexDigit(d1)) return false;
             int value = Byte(d1) - '0';
-            if (IsHexDigit(s[i + 2])) {
+            if (SYS_IsHexDigit(s[i + 2])) {
                 value = ((value + 13) * 16 + Byte(s[i + 2])) & 0xFF;
                 ++i;
             }

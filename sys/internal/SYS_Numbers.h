@@ -22,6 +22,11 @@ struct SYS_ParsedDouble {
     size_t used;
 };
 
+// 0-9, a-f, A-F, whatever the locale.
+inline bool SYS_IsHexDigit(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
 SYS_ParsedLong SYS_ParseLong32(const char* s);
 SYS_ParsedULong SYS_ParseULong32(const char* s);
 SYS_ParsedDouble SYS_ParseDouble(const char* s);
