@@ -4,8 +4,6 @@
 #include "sys/internal/SYS_Mbcs.h"
 #include "sys/internal/SYS_Numbers.h"
 
-#include <cctype>
-
 namespace {
 
 inline bool IsSign(char c) { return c == '-' || c == '+'; }
