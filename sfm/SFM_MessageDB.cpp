@@ -260,9 +260,13 @@ SFM_MessageDB::SectionIterator& SFM_MessageDB::SectionIterator::operator=(long s
         Clear();
         return *this;
     }
+    // The start and the largest number are 32-bit quantities: their low 32
+    // bits count.  The first key wraps in 32 bits as keys do; the last one
+    // does not, so that numbers reaching past the highest key still cover
+    // every key up to it.
     base = db->GetSectionBase(name);
-    last = base + node->maxKey;
-    current = base + start - 1;
+    last = base + SYS_Wrap32(node->maxKey);
+    current = SYS_Add32(base, SYS_Sub32(start, 1));
     GetNext();
     return *this;
 }

@@ -75,6 +75,9 @@ TEST_F(MessageDbTest, TextSourceRulesLineByLine) {
     EXPECT_EQ(Walk(db, "units", 1), (Texts{"1=mm", "2=inch", "3=tabbed"}));
     EXPECT_EQ(Walk(db, "B", 6), (Texts{"9=" + longText.substr(0, 44), "12=x"}));
     EXPECT_EQ(Walk(db, "missing", 1), Texts{});
+    // A start keeps its low 32 bits, as keys do: LONG_MAX starts as -1 would.
+    EXPECT_EQ(Walk(db, "Units", LONG_MAX), Walk(db, "Units", -1));
+    EXPECT_EQ(Walk(db, "Units", LONG_MIN), Walk(db, "Units", 0));
     SFM_MessageDB::SectionIterator it(&db, "Units", 3), other(&db, "Units", 1);
     EXPECT_EQ(it.GetPosition(), 3);
     EXPECT_EQ(Str(++it), "");
