@@ -36,13 +36,10 @@ bool MdbCompile(SFM_MessageDB& db, const char* path, bool textSource, std::strin
             records.push_back({0, entry.first, 0, text});
         }
     }
-    bool first = true;
-    for (const std::shared_ptr<SFM_MessageDB::SectionTableNode>& node : db.sections) {
-        if (!(first && textSource)) {
-            records.push_back({1, node->key, node->maxKey, node->name.GetString()});
-        }
-        first = false;
-    }
+    auto node = db.sections.begin();
+    if (textSource && node != db.sections.end()) ++node; // the unnamed section
+    for (; node != db.sections.end(); ++node)
+        records.push_back({1, (*node)->key, (*node)->maxKey, (*node)->name.GetString()});
     if (static_cast<long>(records.size()) > MdbMaxRecords) {
         error = "too many records for the binary form: " + std::to_string(records.size()) +
                 " (at most " + std::to_string(MdbMaxRecords) + ")";
