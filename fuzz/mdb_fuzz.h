@@ -1,9 +1,11 @@
 // mdb_fuzz.h - what the message database fuzz targets share: the file
 // manager every file needs, a private temporary directory for the fuzzed
-// files, and a walk over everything a database answers.
+// files, a walk over everything a database answers, and the check of what
+// keel-mdb's compile step makes of it.
 #ifndef MDB_FUZZ_H
 #define MDB_FUZZ_H
 
+#include "MdbCompile.h"
 #include "SFM.h"
 #include "SFM_MessageDB.h"
 
@@ -11,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <string>
 
 namespace mdb_fuzz {
@@ -80,6 +83,32 @@ inline void Exercise(SFM_MessageDB& db) {
     if (reloaded.keys)
         for (const SFM_MessageDB::KeyMap::value_type& entry : *reloaded.keys)
             reloaded.getTxt(entry.first);
+}
+
+// Compiles `db` as keel-mdb does and loads the result: it must give back
+// every key with the same text, and every section (but the unnamed one of a
+// text source) with the same name, key and largest number, in order.
+inline void CheckCompiled(SFM_MessageDB& db, bool textSource) {
+    const std::string compiled = Directory() + "/compiled.mdb";
+    std::string error;
+    if (!MdbCompile(db, compiled.c_str(), textSource, error)) {
+        if (error.find("too many records") == std::string::npos) __builtin_trap();
+        return;
+    }
+    SFM_MessageDB binary(compiled.c_str());
+    if (!binary.keys || binary.keys->size() != db.keys->size()) __builtin_trap();
+    for (const SFM_MessageDB::KeyMap::value_type& entry : *db.keys)
+        if (binary.getTxt(entry.first) != db.getTxt(entry.first)) __builtin_trap();
+    auto theirs = db.sections.begin();
+    if (textSource) ++theirs;
+    if (binary.sections.size() != static_cast<size_t>(std::distance(theirs, db.sections.end())))
+        __builtin_trap();
+    for (const auto& node : binary.sections) {
+        const auto& source = *theirs++;
+        if (node->name != source->name || node->key != source->key ||
+            node->maxKey != source->maxKey)
+            __builtin_trap();
+    }
 }
 
 } // namespace mdb_fuzz
