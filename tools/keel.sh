@@ -1,9 +1,12 @@
 #!/usr/bin/env bash
-# Builds and runs keel.  Usage: tools/keel.sh demo | test | asan | bench
+# Builds and runs keel.  Usage: tools/keel.sh demo | test | asan | bench | fuzz
 #   demo  build and run keel-demo (the default preset)
 #   test  build and run the whole test suite (the default preset)
 #   asan  the test suite under AddressSanitizer and UndefinedBehaviorSanitizer
 #   bench build and run the benchmarks, writing docs/performance.md
+#   fuzz NAME [SECONDS]  build the libFuzzer targets (clang) and run
+#         fuzz/fuzz_NAME.cpp for SECONDS (default 300) from its seed corpus;
+#         new inputs go to build/fuzz-corpus/NAME, the seeds stay as they are
 # Installs the Debian packages the build needs when they are missing.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -13,6 +16,9 @@ for p in cmake g++ make python3 pkg-config libgtest-dev libgmock-dev libbenchmar
     libpng-dev libpcre2-dev; do
     dpkg -s "$p" >/dev/null 2>&1 || need+=("$p")
 done
+if [ "${1:-}" = fuzz ]; then
+    for p in clang libclang-rt-dev; do dpkg -s "$p" >/dev/null 2>&1 || need+=("$p"); done
+fi
 if [ ${#need[@]} -gt 0 ]; then
     echo "keel: installing ${need[*]}"
     sudo=""
@@ -35,8 +41,16 @@ bench)
     # Builds in Release, runs every pair and writes docs/performance.md.
     bash bench/report.sh "${@:2}"
     ;;
+fuzz)
+    name=${2:?usage: $0 fuzz NAME [SECONDS]}
+    quiet cmake --preset fuzz
+    quiet cmake --build --preset fuzz --target "fuzz_$name"
+    mkdir -p "build/fuzz-corpus/$name"
+    "build/fuzz/fuzz/fuzz_$name" -max_total_time="${3:-300}" -print_final_stats=1 \
+        "build/fuzz-corpus/$name" "fuzz/corpus/$name"
+    ;;
 *)
-    echo "usage: $0 demo|test|asan|bench" >&2
+    echo "usage: $0 demo|test|asan|bench|fuzz NAME [SECONDS]" >&2
     exit 2
     ;;
 esac
