@@ -87,7 +87,7 @@ public:
     };
 
     // Loads the binary form.
-    explicit SFM_MessageDB(SYS_StringBase name);
+    SFM_MessageDB(SYS_StringBase name);
     // Reads the text source; the integer only selects this form.
     SFM_MessageDB(SYS_StringBase name, int);
     // Share the sections, the key map and the stream.

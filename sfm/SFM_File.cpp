@@ -161,6 +161,12 @@ int SFM_File::MayBeTempClosed() { return stream && !tempClosed ? 1 : 0; }
 void SFM_File::TempClose() {
     SSM_CHECK(MayBeTempClosed(), "sfm/sfmfile", 240);
     if (!stream) return;
+    // Flush before the position is taken: the seek would push the buffered
+    // bytes out itself and, when that fails, drop them without a trace.  A
+    // failure is kept and reported by the next Close.
+    errno = 0;
+    if (*stream && std::fflush(*stream) != 0 && !m_DeferredError)
+        m_DeferredError = errno ? errno : EIO;
     // ReOpen pops exactly one position, even for a stream that cannot tell it.
     if (!PushPosition(0, SeekCurrent)) positions.push_back(-1);
     tempClosed = 1;
@@ -175,8 +181,8 @@ int SFM_File::ReOpen(const SYS_StringBase& newName, const SYS_StringBase& newMod
 }
 
 void SFM_File::ReOpen() {
-    if (!tempClosed) return;
     SSM_CHECK(SFM::GetManager(), "sfm/sfmfile", 262);
+    if (!tempClosed) return;
     tempClosed = 0;
     SFM_EventData data(name);
     SFM* manager = SFM::GetManager();
@@ -230,14 +236,16 @@ void SFM_File::Flush() {
 
 void SFM_File::Close() {
     SSM_CHECK(SFM::GetManager(), "sfm/sfmfile", 205);
-    if (IsOpen() && ReadyStream(210)) {
+    if (IsOpen()) {
         // The close's own result decides; a failure met when the manager
-        // closed the stream earlier is reported now.
-        int error = ReleaseStream(stream);
+        // closed the stream earlier is reported now, also when the file
+        // could not be reopened to be closed.
+        const bool ready = ReadyStream(210) != nullptr;
+        int error = ready ? ReleaseStream(stream) : 0;
         if (!error) error = m_DeferredError;
         m_DeferredError = 0;
         errno = error;
-        Raise(error ? SFM::FileCloseFailed : SFM::FileClosed);
+        if (ready || error) Raise(error ? SFM::FileCloseFailed : SFM::FileClosed);
     }
     if (mapped) UnmapMemory();
     stream.reset();

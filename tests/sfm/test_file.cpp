@@ -57,7 +57,17 @@ TEST_F(FileTest, LifeEventsLinesPositionsAndLength) {
     EXPECT_EQ(unnamed.GetLength(), 0);
     EXPECT_TRUE(Asserted().empty());
     f.SetName("other"); // open: an assertion, and the name is stored anyway
-    EXPECT_EQ(Asserted(), (Texts{"sfm/sfmfile:118"}));
+    f.SetMode("w");
+    f = path.c_str();
+    EXPECT_EQ(Asserted(), (Texts{"sfm/sfmfile:118", "sfm/sfmfile:124", "sfm/sfmfile:110"}));
+    EXPECT_EQ(std::make_pair(Str(f.GetName()), Str(f.GetMode())),
+              std::make_pair(path, std::string("w")));
+    f.Close();
+    Heard();
+    // A closed, named file is opened with "r" to be measured, silently.
+    SFM_File measured(path.c_str());
+    EXPECT_EQ(std::make_tuple(measured.GetLength(), measured.IsOpen(), Heard().size()),
+              std::make_tuple(8L, 0, size_t(0)));
 
     Spill(path, std::string(600, 'x'));
     SFM_File lines(path.c_str(), "r");
@@ -66,6 +76,15 @@ TEST_F(FileTest, LifeEventsLinesPositionsAndLength) {
         lines.Rewind();
         EXPECT_EQ(lines.GetLine(limit.first).GetLength(), limit.second) << limit.first;
     }
+
+    // Close unmaps a file marked as mapped, open or not.
+    struct Mapped : SFM_File {
+        int unmapped = 0;
+        void UnmapMemory() override { ++unmapped; }
+    } mappedFile;
+    mappedFile.mapped = 1;
+    mappedFile.Close();
+    EXPECT_EQ(mappedFile.unmapped, 1);
 }
 
 TEST_F(FileTest, BinaryValuesReverseBitsNotBytes) {
@@ -115,6 +134,14 @@ TEST_F(FileTest, FailuresRaiseEventsWithTheSystemsText) {
     full.Close();
     EXPECT_EQ(Heard(), (Codes{Opening, Opened, SFM::FileCloseFailed}));
     EXPECT_EQ(Str(full.GetMsg()), Quoted(std::strerror(ENOSPC), "/dev/full"));
+    // Also when the manager closed it in between: the flush before its
+    // temporary close failed, and Close reports that.
+    SFM_File parked("/dev/full", "w");
+    EXPECT_EQ(parked.Write("x", 1), 1);
+    EXPECT_EQ(OutOfDescriptors(sfm), SFM::Retry);
+    parked.Close();
+    EXPECT_EQ(Heard(), (Codes{Opening, Opened, Opening, SFM::FileCloseFailed}));
+    EXPECT_EQ(Str(parked.GetMsg()), Quoted(std::strerror(ENOSPC), "/dev/full"));
 
     // A directory that is not there; then a handler replaces the text,
     // makes the directory and asks for a retry.

@@ -79,6 +79,7 @@ TEST_F(FileLimitTest, NoByteIsLostBeyondTheDescriptorLimit) {
     std::vector<std::string> read(static_cast<size_t>(count));
     {
         DescriptorLimit lowered(limit);
+        ASSERT_TRUE(lowered.ok);
         for (int i = 0; i < count; ++i) ASSERT_EQ(files[i]->Open("r"), 1) << i;
         for (bool more = true; more;) {
             more = false;

@@ -16,7 +16,11 @@ std::string KeyText(long key) {
     std::string s = std::to_string(key);
     return s + std::string(20 - s.size(), '\0');
 }
-std::string Header(long count) { return Le(0, 2) + Le(count, 2) + Le(count, 2) + Le(0, 8); }
+// The first count places the data area, the second is the number of records.
+std::string Header(long count, long records) {
+    return Le(0, 2) + Le(count, 2) + Le(records, 2) + Le(0, 8);
+}
+std::string Header(long count) { return Header(count, count); }
 // A record as Save writes it (36 bytes) and as the loader reads it (42).
 std::string Saved(int seq, int section, long offset, long length, long maxKey, long key) {
     return Le(seq, 2) + Le(section, 1) + Le(0, 1) + Le(offset, 4) + Le(length, 4) + Le(maxKey, 4) +
@@ -132,6 +136,14 @@ TEST_F(MessageDbTest, BinaryLoaderReadsFortyTwoByteRecordsAndTrustsNothing) {
         if (cut >= 14 + 4 * 42 + 9) {
             EXPECT_EQ(Str(db.getTxt(4)), "mm");
         }
+    }
+    // The data area follows as many records as the first count says; the
+    // second says how many are read.
+    Spill(path, Header(2, 1) + Loaded(0, 0, 0, 3, 0, 7) + std::string(42, '\0') + "ab");
+    {
+        SFM_MessageDB db(path.c_str());
+        EXPECT_EQ(std::make_pair(Str(db.getTxt(7)), db.keys->size()),
+                  std::make_pair(std::string("ab"), size_t(1)));
     }
     // Counts larger than the file, negative counts, offsets outside it.
     const std::string corrupt[] = {Header(0x7fff) + Loaded(0, 1, -50, 0, 1, 1),
