@@ -65,6 +65,13 @@ public:
     // The value kept after the last record: no operation has this code.
     static constexpr int32_t NO_OP = -1;
 
+private:
+    // The operations (m_Count values), then NO_OP, then spare storage; read
+    // them through GetRecords.  First, as the recorder's fields are laid out.
+    std::vector<int32_t> m_Records;
+    size_t m_Count;
+
+public:
     // The area the recorder replays into and reports to; not owned, null
     // while detached.
     UI_DrawArea* m_pDrawArea;
@@ -197,10 +204,6 @@ private:
     // Replays the operation whose operands start at `at`; returns the index
     // after them, or 0 when they do not fit in the records.
     size_t ReplayOne(UI_DrawArea* area, int32_t code, size_t at);
-
-    // The operations (m_Count values), then NO_OP, then spare storage.
-    std::vector<int32_t> m_Records;
-    size_t m_Count;
 };
 
 #endif // UI_DYNAMIC_H

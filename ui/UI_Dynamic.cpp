@@ -91,19 +91,18 @@ const unsigned char kOperands[CDynamic::OP_COUNT] = {
 } // namespace
 
 CDynamic::CDynamic(UI_DrawArea* area)
-    : m_pDrawArea(nullptr), m_BatchDepth(0), m_DirtyBox(), m_CurrentPoint(0, 0), m_bFlushing(false),
-      m_Records(1, NO_OP), m_Count(0) {
+    : m_Records(1, NO_OP), m_Count(0), m_pDrawArea(nullptr), m_BatchDepth(0), m_DirtyBox(),
+      m_CurrentPoint(0, 0), m_bFlushing(false) {
     Install(area);
     m_DirtyBox.SetEmpty();
 }
 
 CDynamic::CDynamic(const CDynamic& other)
     : SCC_EventNode<UI_DrawArea::RedrawBlock>(other), UI_DrawArea(other),
-      m_pDrawArea(other.m_pDrawArea), m_BatchDepth(other.m_BatchDepth),
-      m_DirtyBox(other.m_DirtyBox), m_CurrentPoint(other.m_CurrentPoint),
-      m_bFlushing(other.m_bFlushing),
       m_Records(other.m_Records.begin(), other.m_Records.begin() + other.m_Count + 1),
-      m_Count(other.m_Count) {}
+      m_Count(other.m_Count), m_pDrawArea(other.m_pDrawArea), m_BatchDepth(other.m_BatchDepth),
+      m_DirtyBox(other.m_DirtyBox), m_CurrentPoint(other.m_CurrentPoint),
+      m_bFlushing(other.m_bFlushing) {}
 
 CDynamic& CDynamic::operator=(CDynamic& other) {
     if (&other == this) return *this;

@@ -201,6 +201,7 @@ TEST(Dynamic, AttachmentBatchesAndNotifications) {
         void InstallDynamic(CDynamic* d) override { d->FillRect(SYS_Box(1, 1, 5, 5), 0); }
     } installer;
     CDynamic d(&installer);
+    EXPECT_EQ(Values(d), "4 1 1 5 5 0");           // the area heard InstallDynamic
     EXPECT_EQ(Text(d.m_DirtyBox), "[(0 0)(0 0)]"); // zeroed again after Install
     LogArea area;
     d.Install(nullptr);
@@ -209,6 +210,7 @@ TEST(Dynamic, AttachmentBatchesAndNotifications) {
     d.StartScreenDraw();
     EXPECT_EQ(area.log, "StartScreenDraw;"); // SetDrawArea did not install
     d.Install(&area);
+    EXPECT_EQ(area.log, "StartScreenDraw;InstallDynamic;");
     area.log.clear();
 
     d.StartBatchDraw(); // reports the old content, drops it
