@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,7 +26,13 @@ public:
 
 class Table : public SCC_SavedHandles {
 public:
-    std::map<std::pair<long, int>, SCC_Notifier> events;
+    // Notifiers cannot be copied from a const source, so the map holds them by pointer.
+    std::map<std::pair<long, int>, std::unique_ptr<SCC_Notifier>> events;
+    SCC_Notifier& Event(long t, int h) {
+        auto& e = events[{t, h}];
+        if (!e) e = std::make_unique<SCC_Notifier>();
+        return *e;
+    }
     bool factoryWorks = true;
     int HandleNotification(int h, long t, int code, int* data) override {
         g_log.push_back("table " + std::to_string(code));
@@ -41,7 +48,7 @@ public:
 protected:
     SCC_SharedPointer<SCC_HandleWithEvent> CreateByType(int h, long t) override {
         if (!factoryWorks) return nullptr;
-        return new Tracked(h, t, this, &events[{t, h}]);
+        return new Tracked(h, t, this, &Event(t, h));
     }
 };
 
@@ -60,7 +67,7 @@ TEST(SavedHandles, KeepsTypeThenHandleOrderAndSavesOnce) {
     EXPECT_EQ((Keys{{-1, 0}, {1, -3}, {1, 5}, {1, 9}, {2, 5}, {2, 9}}), t.Keys());
     EXPECT_EQ(0, t.Save(5, 2)) << "already there";
     EXPECT_EQ(6, t.GetCount());
-    EXPECT_EQ(1, ChainLength(t.events[{2, 5}])) << "saving listens to the object";
+    EXPECT_EQ(1, ChainLength(t.Event(2, 5))) << "saving listens to the object";
 
     long at = -1;
     SCC_SharedPointer<SCC_HandleWithEvent> found = t.Find(5, 2, &at);
@@ -82,26 +89,26 @@ TEST(SavedHandles, ActsOnTheCodesItsObjectsHear) {
     for (int h : {1, 2, 3}) t.Save(h, 7);
     g_log.clear();
     // Code 2 removes the handle carried in the data, whoever heard it.
-    t.events[{7, 1}].Notify(SCC_HandleDeleted, SCC_HandleToData(3));
+    t.Event(7, 1).Notify(SCC_HandleDeleted, SCC_HandleToData(3));
     EXPECT_EQ((Keys{{7, 1}, {7, 2}}), t.Keys());
-    EXPECT_EQ(0, ChainLength(t.events[{7, 3}])) << "the last reference went: detached";
+    EXPECT_EQ(0, ChainLength(t.Event(7, 3))) << "the last reference went: detached";
 
     // Code 8: the object updates itself before the table hears of it; the
     // next lookup re-sorts.
     const SCC_SavedHandles& view = t;
     view[0]->handle = 50;
-    t.events[{7, 2}].Notify(SCC_HandlesRenumbered, nullptr);
+    t.Event(7, 2).Notify(SCC_HandlesRenumbered, nullptr);
     EXPECT_EQ((std::vector<std::string>{"table 2", "update 2", "table 8"}), g_log);
     EXPECT_TRUE(t.resort);
     EXPECT_TRUE(t.Find(50, 7, nullptr));
     EXPECT_FALSE(t.resort);
     EXPECT_EQ((Keys{{7, 2}, {7, 50}}), t.Keys());
 
-    for (int code : {1, 3, 4, 5, 6}) t.events[{7, 2}].Notify(code, SCC_HandleToData(2));
+    for (int code : {1, 3, 4, 5, 6}) t.Event(7, 2).Notify(code, SCC_HandleToData(2));
     EXPECT_EQ(2, t.GetCount());
-    t.events[{7, 2}].Notify(SCC_HandlesCleared, nullptr);
+    t.Event(7, 2).Notify(SCC_HandlesCleared, nullptr);
     EXPECT_EQ(0, t.GetCount());
-    EXPECT_EQ(0, ChainLength(t.events[{7, 2}]));
+    EXPECT_EQ(0, ChainLength(t.Event(7, 2)));
 }
 
 TEST(SavedHandles, AHandleObjectOutlivesItsTableEntryWhileHeld) {
@@ -109,10 +116,10 @@ TEST(SavedHandles, AHandleObjectOutlivesItsTableEntryWhileHeld) {
     t.Save(4, 1);
     SCC_SharedPointer<SCC_HandleWithEvent> held = t.Find(4, 1, nullptr);
     t.Delete(4, 1);
-    EXPECT_EQ(1, ChainLength(t.events[{1, 4}]));
+    EXPECT_EQ(1, ChainLength(t.Event(1, 4)));
     EXPECT_EQ(1, held->GetRefCount());
     held = nullptr;
-    EXPECT_EQ(0, ChainLength(t.events[{1, 4}]));
+    EXPECT_EQ(0, ChainLength(t.Event(1, 4)));
 
     // Held past the table itself: it stops naming the table (ASan reports a
     // use after free if it still reaches it).
