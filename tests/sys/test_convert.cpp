@@ -48,13 +48,20 @@ TEST(SysConvert, UnitTableAndFallback) {
         {0, 19050.0, 2}, {1, 750000.0, 5},  {2, 19050000.0, 5}, {3, 750.0, 2}, {4, 264583.0, 0},
         {5, 0.5, 2},     {6, 7500000.0, 5}, {7, 1.0, 1},        {-1, 1.0, 1},  {100, 1.0, 1}};
     for (const auto& [u, factor, precision] : units) {
-        const SYS_Convert c(static_cast<SYS_UnitType>(u));
-        const char* name = u >= 0 && u < SYS_UNIT_COUNT ? kNames[u] : "";
+        SYS_Convert c(static_cast<SYS_UnitType>(u));
+        const bool listed = u >= 0 && u < SYS_UNIT_COUNT;
+        const char* name = listed ? kNames[u] : "";
         EXPECT_EQ(factor, c.User2BaseDouble(1.0)) << u;
         EXPECT_EQ(2.0, c.Base2User(c.User2BaseDouble(2.0))) << u;
         EXPECT_EQ(precision, c.GetUnitPrecision()) << u;
         EXPECT_STREQ(name, c.GetUnitName()) << u;
         EXPECT_STREQ(name, SYS_Convert::GetUnitName(c.unitType)) << u;
+        // Outside the table, precision[-1] and precision[7] would land on
+        // zeroTrim and anglePrecision: nothing may change.
+        const std::vector<long> before = Fields(c);
+        c.SetUnitPrecision(9);
+        EXPECT_EQ(listed ? 9 : 1, c.GetUnitPrecision()) << u;
+        EXPECT_TRUE(listed || before == Fields(c)) << u;
     }
     SYS_Convert seventh(kFallback); // formats with one decimal
     EXPECT_EQ(3, seventh.User2Base(3.0));
@@ -81,17 +88,6 @@ TEST(SysConvert, ConstructionCopyAndSetData) {
     EXPECT_EQ(Fields(changed), Fields(assigned));
     changed.SetData(SYS_UnitMicron, P(1, 2));
     EXPECT_EQ(set(SYS_UnitMicron, P(1, 2)), Fields(changed));
-}
-
-TEST(SysConvert, SetUnitPrecisionOutsideTheTableChangesNothing) {
-    // precision[-1] and precision[7] would land on zeroTrim and anglePrecision.
-    for (int u : {-1, 7}) {
-        SYS_Convert c(static_cast<SYS_UnitType>(u));
-        const std::vector<long> before = Fields(c);
-        c.SetUnitPrecision(9);
-        EXPECT_EQ(1, c.GetUnitPrecision()) << u;
-        EXPECT_EQ(before, Fields(c)) << u;
-    }
 }
 
 TEST(SysConvert, User2BaseRoundsHalfAwayFromZeroAndMarksOverflow) {
