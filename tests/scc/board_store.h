@@ -31,33 +31,32 @@ struct BoardStore {
         auto it = objects.upper_bound(h);
         return it == objects.end() ? 0 : it->first;
     }
-    int Prev(int h) {
-        auto it = objects.lower_bound(h);
-        return it == objects.begin() ? 0 : std::prev(it)->first;
-    }
-    // Adds silently; Announce* raise what a host would raise.
+    // Put adds silently, Add announces the addition; Tell raises `code` on
+    // the object's own event.
     void Put(int h, const char* name, int width) {
         objects[h].reset(new BoardObject{name, width, {}});
     }
-    void AnnounceAdd(int h) { changes.Notify(SCC_ObjectAdded, SCC_HandleToData(h)); }
+    void Add(int h, const char* name, int width) {
+        Put(h, name, width);
+        changes.Notify(SCC_ObjectAdded, SCC_HandleToData(h));
+    }
+    void Tell(int h, int code) { Find(h)->event.Notify(code, SCC_HandleToData(h)); }
     void Rename(int h, const char* name) {
         Find(h)->name = name;
-        Find(h)->event.Notify(SCC_ObjectChanged, SCC_HandleToData(h));
+        Tell(h, SCC_ObjectChanged);
     }
     void Remove(int h) {
-        Find(h)->event.Notify(SCC_ObjectDeleted, SCC_HandleToData(h));
+        Tell(h, SCC_ObjectDeleted);
         objects.erase(h);
     }
 };
 
 // Orders handles by object name (then handle), reading the store.
-class ByName : public SCC_Sort<int> {
-public:
+struct ByName : SCC_Sort<int> {
     explicit ByName(BoardStore* s) : store(s) {}
     int Compare(const int& a, const int& b) override {
-        int c = store->Find(a)->name.compare(store->Find(b)->name);
-        if (c == 0) c = a - b;
-        return c < 0 ? -1 : c > 0 ? 1 : 0;
+        const std::string &x = store->Find(a)->name, &y = store->Find(b)->name;
+        return x != y ? (x < y ? -1 : 1) : (a > b) - (a < b);
     }
     BoardStore* store;
 };
@@ -72,15 +71,11 @@ public:
     int slider = 0;
     std::map<int, int> renumber; // old handle -> new
 
-    using SCC_StdCollection::ConnectEvent;
-    using SCC_StdCollection::Reload;
-
 protected:
     int _GetSlider() override { return slider; }
     void _SetSlider(int h) override { slider = h; }
     int _GetFirst() override { return slider = store->Next(0); }
     int _GetNext() override { return slider = store->Next(slider); }
-    int _GetPrev() override { return slider = store->Prev(slider); }
 
 public:
     SCC_Notifier* GetEvent() override {
@@ -107,5 +102,12 @@ struct Listener {
         return 0;
     }
 };
+
+// How many nodes listen to an event.
+inline int ChainLength(SCC_Notifier& e) {
+    int n = 0;
+    for (SCC_EventNode<int>* p = e.next; p != &e; p = p->next) ++n;
+    return n;
+}
 
 #endif // KEEL_TESTS_BOARD_STORE_H

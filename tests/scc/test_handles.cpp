@@ -1,22 +1,16 @@
 // Tests of handle objects and the tables that keep them.
 #include "SCC_Handle.h"
-#include "SCC_StdCollection.h"
+#include "tests/scc/board_store.h"
 
 #include <gtest/gtest.h>
-
-#include <map>
-#include <memory>
-#include <string>
-#include <utility>
-#include <vector>
 
 namespace {
 
 std::vector<std::string> g_log;
+typedef std::vector<std::pair<long, int>> Keys;
 
 // Listens to the change event of one of the test's objects.
-class Tracked : public SCC_HandleWithEvent {
-public:
+struct Tracked : SCC_HandleWithEvent {
     Tracked(int h, long t, SCC_SavedHandles* o, SCC_Notifier* e)
         : SCC_HandleWithEvent(h, t, o), event(e) {}
     SCC_Notifier* GetChangeEvent() override { return event; }
@@ -24,47 +18,35 @@ public:
     SCC_Notifier* event;
 };
 
-class Table : public SCC_SavedHandles {
-public:
+struct Table : SCC_SavedHandles {
     // Notifiers cannot be copied from a const source, so the map holds them by pointer.
     std::map<std::pair<long, int>, std::unique_ptr<SCC_Notifier>> events;
+    bool factoryWorks = true;
     SCC_Notifier& Event(long t, int h) {
         auto& e = events[{t, h}];
         if (!e) e = std::make_unique<SCC_Notifier>();
         return *e;
     }
-    bool factoryWorks = true;
     int HandleNotification(int h, long t, int code, int* data) override {
         g_log.push_back("table " + std::to_string(code));
         return SCC_SavedHandles::HandleNotification(h, t, code, data);
     }
-    std::vector<std::pair<long, int>> Keys() {
-        std::vector<std::pair<long, int>> out;
+    Keys Saved() {
+        Keys out;
         const SCC_SavedHandles& self = *this;
         for (int i = 0; i < GetCount(); ++i) out.emplace_back(self[i]->type, self[i]->handle);
         return out;
     }
-
-protected:
     SCC_SharedPointer<SCC_HandleWithEvent> CreateByType(int h, long t) override {
-        if (!factoryWorks) return nullptr;
-        return new Tracked(h, t, this, &Event(t, h));
+        return factoryWorks ? new Tracked(h, t, this, &Event(t, h)) : nullptr;
     }
 };
 
-int ChainLength(SCC_Notifier& e) {
-    int n = 0;
-    for (SCC_EventNode<int>* p = e.next; p != &e; p = p->next) ++n;
-    return n;
-}
-
-typedef std::vector<std::pair<long, int>> Keys;
-
 TEST(SavedHandles, KeepsTypeThenHandleOrderAndSavesOnce) {
     Table t;
-    const std::pair<long, int> saves[] = {{2, 9}, {1, 9}, {2, 5}, {1, 5}, {1, -3}, {-1, 0}};
-    for (auto s : saves) EXPECT_EQ(1, t.Save(s.second, s.first));
-    EXPECT_EQ((Keys{{-1, 0}, {1, -3}, {1, 5}, {1, 9}, {2, 5}, {2, 9}}), t.Keys());
+    for (auto s : Keys{{2, 9}, {1, 9}, {2, 5}, {1, 5}, {1, -3}, {-1, 0}})
+        EXPECT_EQ(1, t.Save(s.second, s.first));
+    EXPECT_EQ((Keys{{-1, 0}, {1, -3}, {1, 5}, {1, 9}, {2, 5}, {2, 9}}), t.Saved());
     EXPECT_EQ(0, t.Save(5, 2)) << "already there";
     EXPECT_EQ(6, t.GetCount());
     EXPECT_EQ(1, ChainLength(t.Event(2, 5))) << "saving listens to the object";
@@ -79,9 +61,8 @@ TEST(SavedHandles, KeepsTypeThenHandleOrderAndSavesOnce) {
 
     t.factoryWorks = false;
     EXPECT_EQ(0, t.Save(7, 3));
-    EXPECT_EQ(6, t.GetCount());
-    EXPECT_EQ(1, t.Delete(9, 1));
-    EXPECT_EQ(0, t.Delete(9, 1));
+    EXPECT_EQ((std::vector<int>{6, 1, 0}),
+              (std::vector<int>{t.GetCount(), t.Delete(9, 1), t.Delete(9, 1)}));
 }
 
 TEST(SavedHandles, ActsOnTheCodesItsObjectsHear) {
@@ -90,7 +71,7 @@ TEST(SavedHandles, ActsOnTheCodesItsObjectsHear) {
     g_log.clear();
     // Code 2 removes the handle carried in the data, whoever heard it.
     t.Event(7, 1).Notify(SCC_HandleDeleted, SCC_HandleToData(3));
-    EXPECT_EQ((Keys{{7, 1}, {7, 2}}), t.Keys());
+    EXPECT_EQ((Keys{{7, 1}, {7, 2}}), t.Saved());
     EXPECT_EQ(0, ChainLength(t.Event(7, 3))) << "the last reference went: detached";
 
     // Code 8: the object updates itself before the table hears of it; the
@@ -102,7 +83,7 @@ TEST(SavedHandles, ActsOnTheCodesItsObjectsHear) {
     EXPECT_TRUE(t.resort);
     EXPECT_TRUE(t.Find(50, 7, nullptr));
     EXPECT_FALSE(t.resort);
-    EXPECT_EQ((Keys{{7, 2}, {7, 50}}), t.Keys());
+    EXPECT_EQ((Keys{{7, 2}, {7, 50}}), t.Saved());
 
     for (int code : {1, 3, 4, 5, 6}) t.Event(7, 2).Notify(code, SCC_HandleToData(2));
     EXPECT_EQ(2, t.GetCount());
@@ -145,9 +126,8 @@ TEST(HandleWithEvent, CopyStartsAFreshCountAssignmentTakesTheCountWord) {
         // A node copy takes its source's links as they stand: it must go
         // before its source joins a chain, or re-join one itself.
         SCC_HandleWithEvent b(a);
-        EXPECT_EQ(3, b.GetHandle());
-        EXPECT_EQ(4, b.GetType());
-        EXPECT_EQ(0, b.GetRefCount());
+        EXPECT_EQ((std::vector<long>{3, 4, 0}),
+                  (std::vector<long>{b.GetHandle(), b.GetType(), b.GetRefCount()}));
         EXPECT_EQ(nullptr, b.GetChangeEvent());
     }
     event.Append(&a);
