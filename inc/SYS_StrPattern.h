@@ -20,11 +20,13 @@
 //     x@  x#           lazy repetitions (x@ matches zero times only when x
 //                      cannot match at all)
 //
-// Costs: compiling is linear in the pattern.  Matching decodes the program
-// once per call, tries each start position in turn and backtracks on a heap
-// stack, so no text is too long for it; repetitions that make no progress
-// end, and a search that backtracks heavily remembers the outcome of each
-// branch at each position, which keeps it polynomial in the text length.
+// Costs: compiling is linear in the pattern, and groups may nest to any
+// depth (open groups wait on the heap, not on the native stack).  Matching
+// decodes the program once per call, tries each start position in turn and
+// backtracks on a heap stack, so no text is too long for it; repetitions
+// that make no progress end, and a search that backtracks heavily remembers
+// the outcome of each branch at each position, which keeps it polynomial in
+// the text length.
 #ifndef SYS_STRPATTERN_H
 #define SYS_STRPATTERN_H
 

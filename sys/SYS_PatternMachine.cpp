@@ -42,11 +42,6 @@ const size_t kNone = static_cast<size_t>(-1);
 const size_t kMemoStart = 4096;
 const size_t kMemoLimit = size_t(1) << 19;
 
-// Lists and operands nested deeper than this make a program undecodable.  A
-// group adds at most a list and an operand, so every program the compiler
-// makes is within it.
-const int kMaxDepth = 2 * SYS_PatternMaxNesting + 8;
-
 thread_local SYS_PatternStats t_Stats;
 
 } // namespace
@@ -58,25 +53,100 @@ void SYS_PatternMachine::ResetStats() { t_Stats = SYS_PatternStats(); }
 // --- Decoding -----------------------------------------------------------------
 
 // Turns the byte program into instructions.  Each piece of program leaves a
-// list of "holes": instructions whose next is whatever follows the piece.
+// list of "holes": instructions whose next is whatever follows the piece,
+// chained through those next fields until it is known.  Open lists and
+// operands are kept on a stack of their own, so nesting costs heap, not
+// native stack.
 class SYS_PatternMachine::Decoder {
 public:
     Decoder(SYS_PatternMachine& m, const unsigned char* prog, size_t size)
         : m(m), prog(prog), size(size) {}
 
+    // Alternatives after '|' end with 'e'; the last one of a list ends with
+    // 'e' or with the end of the range it is in.  An operand is a sequence
+    // that fills its length.
     bool Decode() {
         size_t pos = 0;
-        Piece top;
-        if (!List(pos, size, top) || pos != size) return false;
-        Patch(top.holes, Add(kSucceed));
-        m.m_Entry = top.entry;
-        return true;
+        std::vector<Level> open;
+        std::vector<int32_t> entries; // the alternatives read in open lists
+        auto openList = [&](size_t end) {
+            Level list = {')', end, Piece(), false, entries.size(), Holes()};
+            NextAlternative(list, pos);
+            open.push_back(list);
+        };
+        openList(size);
+        for (;;) {
+            Level& top = open.back();
+            if (pos < top.end && prog[pos] != 'e') {
+                Piece node;
+                switch (const unsigned char op = prog[pos]) {
+                case ')':
+                    ++pos;
+                    openList(top.end);
+                    continue;
+                case '?':
+                case '*':
+                case '+':
+                case '@':
+                case '#': {
+                    if (++pos >= top.end) return false;
+                    const size_t n = prog[pos++];
+                    if (n == 0 || top.end - pos < n) return false;
+                    open.push_back({op, pos + n, Piece(), false, 0, Holes()});
+                    continue;
+                }
+                default:
+                    if (!Node(pos, top.end, node)) return false;
+                    Append(top.seq, node);
+                    continue;
+                }
+            }
+            // The sequence being read ends here.
+            if (top.seq.entry < 0) top.seq = Single(Add(kJump));
+            Piece done;
+            if (top.op != ')') {
+                if (pos != top.end) return false;
+                done = Repetition(top.op, top.seq);
+            } else {
+                if (pos < top.end)
+                    ++pos; // the 'e'
+                else if (top.more)
+                    return false;
+                entries.push_back(top.seq.entry);
+                Join(top.holes, top.seq.holes);
+                if (top.more) {
+                    NextAlternative(top, pos);
+                    continue;
+                }
+                done = Alternation(entries, top.alts, top.holes);
+            }
+            open.pop_back();
+            if (open.empty()) {
+                if (pos != size) return false;
+                Patch(done.holes, Add(kSucceed));
+                m.m_Entry = done.entry;
+                return true;
+            }
+            Append(open.back().seq, done);
+        }
     }
 
 private:
+    struct Holes {
+        int32_t first = -1, last = -1;
+    };
     struct Piece {
         int32_t entry = -1;
-        std::vector<int32_t> holes;
+        Holes holes;
+    };
+    // An open list or operand, with the sequence being read in it.
+    struct Level {
+        unsigned char op; // ')' for a list, else the repetition operator
+        size_t end;       // where the range it is in, or the operand, ends
+        Piece seq;
+        bool more;   // (lists) the alternative being read began with '|'
+        size_t alts; // (lists) where its alternatives begin in the entries
+        Holes holes; // (lists) the holes of the alternatives read
     };
 
     int32_t Add(uint8_t op, uint8_t arg = 0, int32_t a = 0, int32_t b = -1) {
@@ -89,68 +159,72 @@ private:
         return static_cast<int32_t>(m.m_Sets.size() - 1);
     }
 
-    static Piece Single(int32_t ins) {
-        Piece p;
-        p.entry = ins;
-        p.holes.push_back(ins);
-        return p;
+    static Piece Single(int32_t ins) { return {ins, {ins, ins}}; }
+
+    void Join(Holes& holes, const Holes& more) {
+        if (more.first < 0) return;
+        if (holes.first < 0)
+            holes.first = more.first;
+        else
+            m.m_Ins[static_cast<size_t>(holes.last)].next = more.first;
+        holes.last = more.last;
     }
 
-    void Patch(const std::vector<int32_t>& holes, int32_t target) {
-        for (int32_t h : holes) m.m_Ins[static_cast<size_t>(h)].next = target;
+    void Patch(const Holes& holes, int32_t target) {
+        for (int32_t h = holes.first; h >= 0;) {
+            Ins& in = m.m_Ins[static_cast<size_t>(h)];
+            h = in.next;
+            in.next = target;
+        }
     }
 
-    void Append(Piece& seq, Piece&& piece) {
+    void Append(Piece& seq, const Piece& piece) {
         if (seq.entry < 0) {
-            seq = std::move(piece);
+            seq = piece;
             return;
         }
         Patch(seq.holes, piece.entry);
-        seq.holes = std::move(piece.holes);
+        seq.holes = piece.holes;
     }
 
-    // An alternation list: alternatives after '|' end with 'e'; the last one
-    // ends with 'e' or with the end of the range.
-    bool List(size_t& pos, size_t end, Piece& out) {
-        if (++depth > kMaxDepth) return false;
-        std::vector<Piece> alternatives;
-        for (;;) {
-            bool more = pos < end && prog[pos] == '|';
-            if (more) ++pos;
-            Piece seq;
-            if (!Seq(pos, end, seq)) return false;
-            if (pos < end)
-                ++pos; // the 'e'
-            else if (more)
-                return false;
-            alternatives.push_back(std::move(seq));
-            if (!more) break;
-        }
-        --depth;
-        if (alternatives.size() == 1) {
-            out = std::move(alternatives[0]);
-            return true;
-        }
-        out.entry = Add(kAlt, 0, static_cast<int32_t>(m.m_Alts.size()),
-                        static_cast<int32_t>(alternatives.size()));
-        for (Piece& alt : alternatives) {
-            m.m_Alts.push_back(alt.entry);
-            out.holes.insert(out.holes.end(), alt.holes.begin(), alt.holes.end());
-        }
-        return true;
+    void NextAlternative(Level& list, size_t& pos) {
+        list.seq = Piece();
+        list.more = pos < list.end && prog[pos] == '|';
+        if (list.more) ++pos;
     }
 
-    // Nodes up to an 'e' or the end of the range.
-    bool Seq(size_t& pos, size_t end, Piece& out) {
-        while (pos < end && prog[pos] != 'e') {
-            Piece node;
-            if (!Node(pos, end, node)) return false;
-            Append(out, std::move(node));
+    // The list of the alternatives from `first` on, which it takes off
+    // `entries`.
+    Piece Alternation(std::vector<int32_t>& entries, size_t first, const Holes& holes) {
+        Piece out = {entries.back(), holes};
+        const size_t count = entries.size() - first;
+        if (count > 1) {
+            out.entry =
+                Add(kAlt, 0, static_cast<int32_t>(m.m_Alts.size()), static_cast<int32_t>(count));
+            m.m_Alts.insert(m.m_Alts.end(), entries.begin() + static_cast<std::ptrdiff_t>(first),
+                            entries.end());
         }
-        if (out.entry < 0) out = Single(Add(kJump));
-        return true;
+        entries.resize(first);
+        return out;
     }
 
+    Piece Repetition(unsigned char op, const Piece& operand) {
+        if (op == '?') {
+            // The operand runs inline, straight on into the rest.
+            Piece out = Single(Add(kOpt, 0, operand.entry));
+            Join(out.holes, operand.holes);
+            return out;
+        }
+        // The operand is a program of its own.
+        const int32_t succeed = Add(kSucceed);
+        Patch(operand.holes, succeed);
+        const Ins& first = m.m_Ins[static_cast<size_t>(operand.entry)];
+        const int32_t simple = first.op == kChar && first.next == succeed ? first.a : -1;
+        const bool greedy = op == '*' || op == '+';
+        return Single(Add(greedy ? kGreedy : kLazy, op == '+' || op == '#', operand.entry, simple));
+    }
+
+    // A node that neither opens a list nor repeats an operand.
     bool Node(size_t& pos, size_t end, Piece& out) {
         const unsigned char op = prog[pos++];
         ByteSet set = {};
@@ -202,37 +276,6 @@ private:
             out = Single(Add(kChar, 0, AddSet(set)));
             return true;
         }
-        case ')':
-            return List(pos, end, out);
-        case '?':
-        case '*':
-        case '+':
-        case '@':
-        case '#': {
-            if (pos >= end) return false;
-            const size_t n = prog[pos++];
-            if (n == 0 || end - pos < n || ++depth > kMaxDepth) return false;
-            const size_t operandEnd = pos + n;
-            Piece operand;
-            if (!Seq(pos, operandEnd, operand) || pos != operandEnd) return false;
-            --depth;
-            if (op == '?') {
-                // The operand runs inline, straight on into the rest.
-                out.entry = Add(kOpt, 0, operand.entry);
-                out.holes = std::move(operand.holes);
-                out.holes.push_back(out.entry);
-                return true;
-            }
-            // The operand is a program of its own.
-            const int32_t succeed = Add(kSucceed);
-            Patch(operand.holes, succeed);
-            const Ins& first = m.m_Ins[static_cast<size_t>(operand.entry)];
-            const int32_t simple = first.op == kChar && first.next == succeed ? first.a : -1;
-            const bool greedy = op == '*' || op == '+';
-            out = Single(
-                Add(greedy ? kGreedy : kLazy, op == '+' || op == '#', operand.entry, simple));
-            return true;
-        }
         default:
             return false;
         }
@@ -277,7 +320,6 @@ private:
     SYS_PatternMachine& m;
     const unsigned char* prog;
     size_t size;
-    int depth = 0;
 };
 
 namespace {

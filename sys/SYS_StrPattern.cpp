@@ -11,6 +11,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -19,95 +20,149 @@ inline unsigned char Byte(char c) { return static_cast<unsigned char>(c); }
 // The trail byte stored after a literal lead byte that came without one.
 const char kStandInTrail = '\x40';
 
-// Recursive descent over the pattern; each function appends its compiled
-// text and returns false when the pattern is invalid.
+// The pattern is read in one pass, with the open groups on a stack of their
+// own, so nesting costs heap, not native stack.  Two kinds of program bytes
+// stand before text that they describe and are known only after it: the '|'
+// that introduces every alternative but the last, and a postfix operator with
+// its operand's length.  Everything else is written in order to `body`; those
+// bytes are noted as prefixes with the body offset they go before, and the
+// two are merged at the end.  A sequence notes an empty prefix when it starts
+// and fills it when it ends, so the notes stay in body order; an operator's
+// note goes before the notes of its operand, which has at most 255 bytes.
 class Compiler {
 public:
     explicit Compiler(const char* source) : s(source) {}
 
-    bool Compile(std::string& out) { return List(out) && s[i] == '\0'; }
+    bool Compile(std::string& out) {
+        if (!Parse()) return false;
+        out.reserve(body.size() + prefixBytes);
+        size_t from = 0;
+        for (const Prefix& p : prefixes) {
+            out.append(body, from, p.at - from);
+            out.append(p.bytes, p.size);
+            from = p.at;
+        }
+        out.append(body, from, std::string::npos);
+        return true;
+    }
 
 private:
-    // Sequences separated by '|': every alternative but the last is
-    // introduced by '|', and each ends with 'e'.
-    bool List(std::string& out) {
-        std::string seq;
-        if (!Seq(seq)) return false;
-        while (s[i] == '|') {
+    struct Prefix {
+        size_t at;
+        char bytes[2];
+        unsigned char size;
+    };
+    // Where an atom began: in the body, among the prefixes, and how many
+    // prefix bytes were noted before it.
+    struct Start {
+        size_t at, prefix, noted;
+    };
+    struct Group {
+        Start atom;
+        size_t seq; // the prefix of the sequence the group is part of
+    };
+
+    Start Here() const { return {body.size(), prefixes.size(), prefixBytes}; }
+
+    // Alternation lists of sequences: every sequence ends with 'e', and one
+    // followed by '|' is introduced by '|'.  A '^' may open a sequence; atoms
+    // follow up to a character that only a group, a set or an alternation
+    // can take.
+    bool Parse() {
+        std::vector<Group> open;
+        size_t seq = StartSeq();
+        for (;;) {
+            const char c = s[i];
+            if (!std::strchr("#)*+?@]^|", c)) { // the terminating zero is in the list
+                const Start atom = Here();
+                if (c == '(') {
+                    ++i;
+                    open.push_back({atom, seq});
+                    body += ')';
+                    seq = StartSeq();
+                } else if (!Atom() || !Postfix(atom)) {
+                    return false;
+                }
+                continue;
+            }
+            body += 'e';
+            if (c == '|') {
+                ++i;
+                prefixes[seq].bytes[0] = '|';
+                prefixes[seq].size = 1;
+                ++prefixBytes;
+                seq = StartSeq();
+                continue;
+            }
+            if (open.empty()) return c == '\0';
+            if (c != ')') return false;
             ++i;
-            out += '|';
-            out += seq;
-            out += 'e';
-            seq.clear();
-            if (!Seq(seq)) return false;
+            const Group g = open.back();
+            open.pop_back();
+            seq = g.seq;
+            if (!Postfix(g.atom)) return false;
         }
-        out += seq;
-        out += 'e';
-        return true;
     }
 
-    // A '^' may open a sequence; atoms follow up to a character that only a
-    // group, a set or an alternation can take.
-    bool Seq(std::string& out) {
+    size_t StartSeq() {
+        prefixes.push_back({body.size(), {0, 0}, 0});
         if (s[i] == '^') {
-            out += '^';
+            body += '^';
             ++i;
         }
-        while (!std::strchr("#)*+?@]^|", s[i]))
-            if (!Atom(out)) return false;
-        return true;
+        return prefixes.size() - 1;
     }
 
-    bool Atom(std::string& out) {
-        std::string t;
+    // An atom other than a group.
+    bool Atom() {
         const char c = s[i++];
         switch (c) {
         case '$':
         case '.':
-            t += c;
-            break;
-        case '(':
-            if (++depth > SYS_PatternMaxNesting) return false;
-            t += ')';
-            if (!List(t) || s[i] != ')') return false;
-            ++i;
-            --depth;
-            break;
+            body += c;
+            return true;
         case ':':
             // A letter that names no class leaves ':' a literal.
             if (s[i] && std::strchr("abcdhlnuxz", s[i])) {
-                t += ':';
-                t += s[i++];
+                body += ':';
+                body += s[i++];
             } else {
-                t += 'c';
-                t += ':';
+                body += 'c';
+                body += ':';
             }
-            break;
+            return true;
         case '[':
-            if (!Set(t) || s[i] != ']') return false;
+            if (!Set(body) || s[i] != ']') return false;
             ++i;
-            break;
+            return true;
         case '\\':
-            t += 'c';
-            if (!Escape(t)) return false;
-            break;
+            body += 'c';
+            return Escape(body);
         default:
             --i;
-            t += 'c';
-            Char(t);
-            break;
+            body += 'c';
+            Char(body);
+            return true;
         }
-        // A lead byte with no trail (from \x, or at the end of the pattern)
-        // gets a stand-in trail byte, or the program would read the next
-        // node's first byte as its trail.  Only the lead byte is compared.
-        if (t.size() == 2 && t[0] == 'c' && SYS_IsLeadByte(Byte(t[1]))) t += kStandInTrail;
-        // One postfix operator per atom; a second one ends the sequence.
-        if (s[i] && std::strchr("#*+?@", s[i])) {
-            if (t.size() > 255) return false;
-            out += s[i++];
-            out += static_cast<char>(t.size());
-        }
-        out += t;
+    }
+
+    // After the atom that began at `atom`: a lead byte with no trail (from
+    // \x, or at the end of the pattern) gets a stand-in trail byte, or the
+    // program would read the next node's first byte as its trail (only the
+    // lead byte is compared).  Then one postfix operator may wrap the atom;
+    // a second one ends the sequence.
+    bool Postfix(const Start& atom) {
+        if (body.size() - atom.at == 2 && body[atom.at] == 'c' &&
+            SYS_IsLeadByte(Byte(body[atom.at + 1])))
+            body += kStandInTrail;
+        const char op = s[i];
+        if (!op || !std::strchr("#*+?@", op)) return true;
+        const size_t length = body.size() - atom.at + prefixBytes - atom.noted;
+        if (length > 255) return false;
+        prefixes.insert(prefixes.begin() + static_cast<std::ptrdiff_t>(atom.prefix),
+                        Prefix{atom.at, {op, static_cast<char>(length)}, 2});
+        prefixBytes += 2;
+        ++i;
         return true;
     }
 
@@ -221,7 +276,9 @@ private:
 
     const char* s;
     size_t i = 0;
-    int depth = 0;
+    std::string body;
+    std::vector<Prefix> prefixes;
+    size_t prefixBytes = 0;
 };
 
 // The machine of the last program run on this thread, kept with its

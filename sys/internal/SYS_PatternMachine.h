@@ -3,9 +3,10 @@
 // The byte program is decoded, under the code page in force, into a small
 // graph of instructions: one-character tests become a 256-bit byte set,
 // groups disappear, and the end of every alternative points straight at what
-// follows its alternation.  The matcher walks that graph with an explicit
-// backtracking stack on the heap; nothing in it recurses, so the native stack
-// stays flat whatever the text.
+// follows its alternation.  Decoding keeps its open groups and operands on a
+// heap stack, so a program may nest to any depth.  The matcher walks the
+// graph with an explicit backtracking stack on the heap; nothing in it
+// recurses, so the native stack stays flat whatever the text.
 //
 // Results are those of the plain recursive definition of the language:
 // - '|' tries every alternative followed by the rest and keeps the furthest
@@ -31,10 +32,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <vector>
-
-// Groups may nest this deep in a pattern; deeper ones make it invalid, so
-// that neither compiling nor decoding needs stack in proportion to a pattern.
-const int SYS_PatternMaxNesting = 100;
 
 // What the matcher did, for tests that bound its work without a clock.
 struct SYS_PatternStats {
