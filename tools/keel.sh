@@ -4,9 +4,10 @@
 #   test  build and run the whole test suite (the default preset)
 #   asan  the test suite under AddressSanitizer and UndefinedBehaviorSanitizer
 #   bench build and run the benchmarks, writing docs/performance.md
-#   fuzz NAME [SECONDS]  build the libFuzzer targets (clang) and run
-#         fuzz/fuzz_NAME.cpp for SECONDS (default 300) from its seed corpus;
-#         new inputs go to build/fuzz-corpus/NAME, the seeds stay as they are
+#   fuzz NAME [SECONDS [OPTIONS...]]  build the libFuzzer targets (clang) and
+#         run fuzz/fuzz_NAME.cpp for SECONDS (default 300) from its seed
+#         corpus, passing OPTIONS on to libFuzzer (e.g. -timeout=1); new
+#         inputs go to build/fuzz-corpus/NAME, the seeds stay as they are
 # Installs the Debian packages the build needs when they are missing.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -42,11 +43,11 @@ bench)
     bash bench/report.sh "${@:2}"
     ;;
 fuzz)
-    name=${2:?usage: $0 fuzz NAME [SECONDS]}
+    name=${2:?usage: $0 fuzz NAME [SECONDS [OPTIONS...]]}
     quiet cmake --preset fuzz
     quiet cmake --build --preset fuzz --target "fuzz_$name"
     mkdir -p "build/fuzz-corpus/$name"
-    "build/fuzz/fuzz/fuzz_$name" -max_total_time="${3:-300}" -print_final_stats=1 \
+    "build/fuzz/fuzz/fuzz_$name" -max_total_time="${3:-300}" -print_final_stats=1 "${@:4}" \
         "build/fuzz-corpus/$name" "fuzz/corpus/$name"
     ;;
 *)
