@@ -1,7 +1,5 @@
-// Tests of CDynamic against a logging draw area: the recorded values and
-// dirty box of every operation, the replay calls of every code, the batch
-// cycle, the redraw notifications, copies and the draw-area operations the
-// recorder leaves alone.
+// Tests of CDynamic against a logging draw area: records, dirty boxes and
+// replays of every operation, the batch cycle, notifications and copies.
 #include "UI_Dynamic.h"
 
 #include <gtest/gtest.h>
@@ -141,22 +139,20 @@ const struct Op {
     {[](R d) { d.FastMoveTo(P(1, 1)), d.FastLineTo(P(4, -2)); }, "11 1 1 12 4 -2", "[(1 -2)(4 1)]",
      "FastMoveTo (1 1);FastLineTo (4 -2);"},
     {[](R d) { d.FastLineTo(P(-3, 6)); }, "12 -3 6", "[(-3 0)(0 6)]", "FastLineTo (-3 6);"},
-    {[](R d) { d.FastPaintOval(SYS_Box(5, 5, 1, 9)); }, "13 5 5 1 9", "[(5 5)(1 9)]",
-     "FastPaintOval [(5 5)(1 9)];"},
-    {[](R d) { d.FastPolyLine(3, pts, 6, 7); }, "14 6 7 3 3 9 -4 2 8 -1", "[(0 0)(0 0)]",
-     "FastPolyLine 3 (8 -1) 6 7;"},
-    {[](R d) { d.FastFrameOval(SYS_Box(5, 5, 1, 9)); }, "15 5 5 1 9", "[(5 5)(1 9)]",
-     "FastFrameOval [(5 5)(1 9)];"},
-    {[](R d) { d.TextAlign(1, 2), d.TextExtra(3), d.TextFace(4), d.TextSize(5, 6); },
-     "16 1 2 17 3 18 4 20 5 6", "[(0 0)(0 0)]",
-     "TextAlign 1 2;TextExtra 3;TextFace 4;TextSize 5 6 ;"},
+    {[](R d) { d.FastPaintOval(SYS_Box(5, 5, 1, 9)), d.FastFrameOval(SYS_Box(5, 5, 1, 9)); },
+     "13 5 5 1 9 15 5 5 1 9", "[(5 5)(1 9)]",
+     "FastPaintOval [(5 5)(1 9)];FastFrameOval [(5 5)(1 9)];"},
+    {[](R d) {
+         d.FastPolyLine(3, pts, 6, 7), d.TextAlign(1, 2), d.TextExtra(3), d.TextFace(4);
+         d.TextSize(5, 6), d.DrawString("hi"), d.SetGRAMode({0xFFFFFFFFu}), d.DrawOnScreen(true);
+     },
+     "14 6 7 3 3 9 -4 2 8 -1 16 1 2 17 3 18 4 20 5 6 21 2 104 105 22 -1 23 1", "[(0 0)(0 0)]",
+     "FastPolyLine 3 (8 -1) 6 7;TextAlign 1 2;TextExtra 3;TextFace 4;TextSize 5 6 ;DrawString "
+     "hi;SetGRAMode 4294967295;DrawOnScreen 1;"},
     // Minus 90 degrees, just below a turn (truncated), far round (no endless steps).
     {[](R d) { d.TextPath(-162000000.0), d.TextPath(647999999.0), d.TextPath(1e300); },
      "19 2700000 19 3599999 19 2880000", "[(0 0)(0 0)]",
      "TextPath 270 ;TextPath 359.9999 ;TextPath 288 ;"},
-    {[](R d) { d.DrawString("hi"), d.SetGRAMode({0xFFFFFFFFu}), d.DrawOnScreen(true); },
-     "21 2 104 105 22 -1 23 1", "[(0 0)(0 0)]",
-     "DrawString hi;SetGRAMode 4294967295;DrawOnScreen 1;"},
 };
 
 TEST(Dynamic, EveryOperationRecordsMergesAndReplays) {
@@ -175,7 +171,7 @@ TEST(Dynamic, EveryOperationRecordsMergesAndReplays) {
     }
 }
 
-TEST(Dynamic, DirtyBoxCombinesUnlessDegenerate) {
+TEST(Dynamic, DirtyBoxAndSameNamedOperations) {
     LogArea area;
     CDynamic d(&area);
     d.PenColor(5);
@@ -183,17 +179,22 @@ TEST(Dynamic, DirtyBoxCombinesUnlessDegenerate) {
     d.FastPolyLine(3, pts, 1, 1); // merges nothing
     d.DrawXorBox({-5, 3}, {2, 30});
     EXPECT_EQ(Text(d.m_DirtyBox), "[(-5 0)(10 30)]");
-    d.Reset();
-    d.FillRect(SYS_Box(4, 4, 4, 4), 1); // a point: the next box replaces it
+    d.Reset(), d.FillRect(SYS_Box(4, 4, 4, 4), 1); // a point: the next box replaces it
     d.FastFrameOval(SYS_Box(20, 20, 30, 30));
     EXPECT_EQ(Text(d.m_DirtyBox), "[(20 20)(30 30)]");
     // With no area the text box is not computed and nothing is merged.
     CDynamic alone;
     EXPECT_EQ(Text(alone.DrawXorText(nullptr, 1, 2, 3L, 4L, 0)), "[(0 0)(0 0)]");
-    alone.FastPolyPolyline(nullptr, ucounts, 2); // no points: no polylines
-    alone.FastPolyLine(-1, pts, 1, 2);
-    EXPECT_EQ(Values(alone), "5 3 4 1 2 1 0 9 0 14 1 2 0");
-    EXPECT_EQ(Text(alone.m_DirtyBox), "[(0 0)(0 0)]");
+    alone.FastPolyPolyline(nullptr, ucounts, 2), alone.FastPolyLine(-1, pts, 1, 2); // no points
+    EXPECT_EQ(Values(alone) + Text(alone.m_DirtyBox), "5 3 4 1 2 1 0 9 0 14 1 2 0[(0 0)(0 0)]");
+
+    // The draw-area operations of the same names keep their base behaviour.
+    const int counts[] = {1};
+    d.Reset();
+    d.TextPath(90.0, "font"), d.TextSize(1, 2, "font"), d.FastPolyPolyline(pts, counts, 1);
+    d.FastPaintOval(SYS_Point(1, 1), 5L, 0), d.Redraw(SYS_Box(0, 0, 1, 1));
+    d.PenMode(UI_DrawArea::PEN_XOR), d.InvalidateRect(nullptr);
+    EXPECT_EQ(d.GetRecordCount() + d.GetPenMode(), 0);
 }
 
 TEST(Dynamic, AttachmentBatchesAndNotifications) {
@@ -201,25 +202,18 @@ TEST(Dynamic, AttachmentBatchesAndNotifications) {
         void InstallDynamic(CDynamic* d) override { d->FillRect(SYS_Box(1, 1, 5, 5), 0); }
     } installer;
     CDynamic d(&installer);
-    EXPECT_EQ(Values(d), "4 1 1 5 5 0");           // the area heard InstallDynamic
-    EXPECT_EQ(Text(d.m_DirtyBox), "[(0 0)(0 0)]"); // zeroed again after Install
+    // The area heard InstallDynamic; the dirty box is zeroed again after it.
+    EXPECT_EQ(Values(d) + Text(d.m_DirtyBox), "4 1 1 5 5 0[(0 0)(0 0)]");
     LogArea area;
     d.Install(nullptr);
     EXPECT_EQ(d.GetDrawArea(), &installer);
-    d.SetDrawArea(&area);
-    d.StartScreenDraw();
-    EXPECT_EQ(area.log, "StartScreenDraw;"); // SetDrawArea did not install
-    d.Install(&area);
+    d.SetDrawArea(&area), d.StartScreenDraw(), d.Install(&area); // SetDrawArea did not install
     EXPECT_EQ(area.log, "StartScreenDraw;InstallDynamic;");
     area.log.clear();
 
-    d.StartBatchDraw(); // reports the old content, drops it
-    d.DrawXorBox({0, 0}, {4, 4});
-    d.StartBatchDraw();
-    d.DrawXorBox({1, 1}, {6, 6});
-    d.EndBatchDraw();
-    d.EndBatchDraw();
-    d.EndBatchDraw(); // no batch open: nothing
+    d.StartBatchDraw(), d.DrawXorBox({0, 0}, {4, 4}); // reports the old content, drops it
+    d.StartBatchDraw(), d.DrawXorBox({1, 1}, {6, 6});
+    d.EndBatchDraw(), d.EndBatchDraw(), d.EndBatchDraw(); // the third has no batch: nothing
     EXPECT_EQ(d.m_BatchDepth, 0);
     EXPECT_EQ(area.log, "RD [(0 0)(0 0)] 0;RD [(0 0)(4 4)] 0;RD [(1 1)(6 6)] 1;RD [(1 1)(6 6)] 1;");
 
@@ -228,20 +222,15 @@ TEST(Dynamic, AttachmentBatchesAndNotifications) {
     EXPECT_EQ(area.log, "GetPenMode;DrawXorBox [(1 1)(6 6)];PenMode 7;");
     EXPECT_EQ(d.OnNotification(99, nullptr), 0);
     d.OnNotification(UI_DrawArea::REDRAW_CLEAR, nullptr);
-    EXPECT_EQ(d.GetRecordCount(), 0);
-    EXPECT_EQ(Text(d.m_DirtyBox), "[(0 0)(0 0)]");
+    EXPECT_EQ(Values(d) + Text(d.m_DirtyBox), "[(0 0)(0 0)]");
 
-    d.PenCap(1);
-    d.StartBatchDraw();
+    d.PenCap(1), d.StartBatchDraw();
     d.OnNotification(UI_DrawArea::REDRAW_AREA_GONE, nullptr);
     area.log.clear();
-    d.PenCap(2);
-    d.Clear(); // no area to erase from: the records stay
+    d.PenCap(2), d.Clear(); // no area to erase from: the records stay
     d.EndBatchDraw();
     d.OnNotification(UI_DrawArea::REDRAW_SHOW, nullptr);
-    EXPECT_EQ(d.GetDrawArea(), nullptr);
-    EXPECT_EQ(d.GetRecordCount(), 2);
-    EXPECT_EQ(d.m_BatchDepth, 1);
+    EXPECT_TRUE(!d.GetDrawArea() && d.GetRecordCount() == 2 && d.m_BatchDepth == 1);
     EXPECT_EQ(area.log, "");
     EXPECT_FALSE(d.IsFlushing());
 }
@@ -255,8 +244,7 @@ TEST(Dynamic, ReplayFlagsFlushingAndSurvivesChangesUnderIt) {
         d.Reset(); // the records go while they are replayed
         d.DrawString("a long text that grows the storage");
     };
-    d.PenColor(1);
-    d.PenColor(2);
+    d.PenColor(1), d.PenColor(2);
     area.log.clear();
     d.OnNotification(UI_DrawArea::REDRAW_SHOW, nullptr);
     EXPECT_EQ(flushing, std::vector<bool>{true});
@@ -264,33 +252,15 @@ TEST(Dynamic, ReplayFlagsFlushingAndSurvivesChangesUnderIt) {
     EXPECT_FALSE(d.IsFlushing());
 }
 
-TEST(Dynamic, SameNamedDrawAreaOperationsKeepTheirBaseBehaviour) {
-    LogArea area;
-    CDynamic d(&area);
-    const int counts[] = {1};
-    d.TextPath(90.0, "font");
-    d.TextSize(1, 2, "font");
-    d.FastPolyPolyline(pts, counts, 1);
-    d.FastPaintOval(SYS_Point(1, 1), 5L, 0);
-    d.Redraw(SYS_Box(0, 0, 1, 1));
-    d.PenMode(UI_DrawArea::PEN_XOR);
-    d.InvalidateRect(nullptr);
-    EXPECT_EQ(d.GetRecordCount(), 0);
-    EXPECT_EQ(d.GetPenMode(), 0);
-}
-
 TEST(Dynamic, CopiesAndAssignment) {
     SCC_Event<UI_DrawArea::RedrawBlock> redraw;
     LogArea area;
     CDynamic source(&area);
     redraw.Append(&source);
-    source.FastMoveTo({3, 4});
-    source.StartBatchDraw();
-    source.FillRect(SYS_Box(0, 0, 8, 8), 1);
+    source.FastMoveTo({3, 4}), source.StartBatchDraw(), source.FillRect(SYS_Box(0, 0, 8, 8), 1);
 
     CDynamic copy(source); // links copied as they stand, not joined
-    EXPECT_EQ(copy.next, source.next);
-    EXPECT_EQ(redraw.next, &source);
+    EXPECT_TRUE(copy.next == source.next && redraw.next == &source);
     copy.prev = copy.next = &copy, copy.root = nullptr;
     copy.DrawString("x"); // the records are its own
     EXPECT_EQ(Values(source), "4 0 0 8 8 1");
@@ -298,15 +268,12 @@ TEST(Dynamic, CopiesAndAssignment) {
 
     CDynamic target;
     target = source; // joins just before the source
-    EXPECT_EQ(redraw.next, &target);
-    EXPECT_EQ(target.next, &source);
     CDynamic& same = target;
     target = same;
-    EXPECT_EQ(redraw.next, &target);
+    EXPECT_TRUE(redraw.next == &target && target.next == &source);
     EXPECT_EQ(Values(target), "4 0 0 8 8 1");
     for (const CDynamic* c : {&copy, &target}) {
-        EXPECT_EQ(c->GetDrawArea(), &area);
-        EXPECT_EQ(c->m_BatchDepth, 1);
+        EXPECT_TRUE(c->GetDrawArea() == &area && c->m_BatchDepth == 1);
         EXPECT_EQ(Text(c->m_DirtyBox), "[(0 0)(8 8)]");
         EXPECT_EQ(c->m_CurrentPoint, SYS_Point(3, 4));
     }
