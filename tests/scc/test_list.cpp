@@ -11,7 +11,8 @@
 
 namespace {
 
-typedef std::vector<SCC_DListRefNode*> NodeVec;
+typedef SCC_DListRefNode N;
+typedef std::vector<N*> NodeVec;
 NodeVec Nodes(const SCC_RefDList& l) { return NodeVec(l.begin(), l.end()); }
 
 struct LengthProbe : SCC_SList<int> {
@@ -22,13 +23,12 @@ TEST(List, PlainListsSearchByPointer) {
     int a = 1, b = 2, c = 3, stranger = 9;
     SCC_DList<int> l;
     EXPECT_EQ(l.RemoveHead(), nullptr);
-    l.AddTail(&c);
-    l.AddHead(&a);
+    l.AddTail(&c), l.AddHead(&a);
     EXPECT_EQ(l.InsertBefore(&c, &b), &b);
     EXPECT_EQ(l.InsertAfter(&stranger, &a), &a); // returned though nothing happened
-    EXPECT_TRUE(l.Next(&a) == &b && l.Prev(&c) == &b);
-    for (int* none : {l.Next(&stranger), l.Prev(&stranger), l.Next(&c), l.Prev(&a)})
-        EXPECT_EQ(none, nullptr);
+    EXPECT_EQ((std::vector<int*>{l.Next(&a), l.Prev(&c), l.Next(&stranger), l.Prev(&stranger),
+                                 l.Next(&c), l.Prev(&a)}),
+              (std::vector<int*>{&b, &b, nullptr, nullptr, nullptr, nullptr}));
     SCC_DList<int>::iterator at = l.InsertBefore(std::next(l.begin()), &c);
     EXPECT_EQ(at, std::next(l.begin()));
     l.Remove(&c); // only the first occurrence goes
@@ -39,57 +39,45 @@ TEST(List, PlainListsSearchByPointer) {
                 testing::ThrowsMessage<std::length_error>(testing::StrEq("list<T> too long")));
 }
 
-TEST(RefList, NodesMoveBetweenLists) {
+TEST(RefList, NodesMoveBetweenListsAndCopiesJoinBesideTheOriginal) {
     SCC_RefDList a, b, other;
-    SCC_DListRefNode n1, n2, n3;
+    N n1, n2, n3;
     a.AddTail(&n1), a.AddTail(&n2), b.AddHead(&n3);
     b.AddTail(&n1); // leaves a
-    EXPECT_EQ(a.GetCount(), 1);
-    EXPECT_EQ(b.Last(), &n1);
-    EXPECT_EQ(a.IsValid() + b.IsValid(), 2);
+    EXPECT_EQ(Nodes(a), NodeVec{&n2});
     b.InsertAfter(&n3, &n2);
     b.InsertBefore(&n3, &n1); // within one list
     EXPECT_EQ(Nodes(b), (NodeVec{&n1, &n3, &n2}));
     EXPECT_EQ(a.Remove(&n3), &n3); // leaves b, whichever list is asked
     EXPECT_EQ(n3.GetList(), nullptr);
     // Next to a node of another list, n3 only comes to name the list.
-    SCC_DListRefNode stranger(&other);
+    N stranger(&other);
     a += n3;
     b.InsertBefore(&stranger, &n3);
     EXPECT_EQ(n3.GetList(), &b);
     EXPECT_EQ(a.IsEmpty(), 1);
     EXPECT_EQ(Nodes(b), (NodeVec{&n1, &n2}));
-    EXPECT_EQ(b.IsValid(), 1);
+    EXPECT_EQ(a.IsValid() + b.IsValid(), 2);
 
-    SCC_DListRefNode survivor;
-    {
-        SCC_RefDList l;
-        l.AddTail(&survivor);
-        { SCC_DListRefNode doomed(&l); } // leaves the list on destruction
-        EXPECT_EQ(Nodes(l), NodeVec{&survivor});
-    }
-    EXPECT_EQ(survivor.GetList(), nullptr);
-}
-
-TEST(RefList, NodeCopiesJoinBesideTheOriginal) {
     SCC_RefDList l, m;
-    SCC_DListRefNode a(&l), b(&l); // b is the head
-    SCC_DListRefNode copy(a), loose, c(&m);
-    SCC_DListRefNode looseCopy(loose);
-    EXPECT_EQ(Nodes(l), (NodeVec{&b, &copy, &a}));
+    N x(&l), y(&l); // y is the head
+    N copy(x), loose, c(&m);
+    N looseCopy(loose);
+    EXPECT_EQ(Nodes(l), (NodeVec{&y, &copy, &x}));
     EXPECT_EQ(looseCopy.GetList(), nullptr);
-    c = b; // leaves m, lands before b
-    SCC_DListRefNode& self = c;
+    c = y; // leaves m, lands before y
+    N& self = c;
     c = self;
     EXPECT_EQ(m.IsEmpty(), 1);
-    EXPECT_EQ(Nodes(l), (NodeVec{&c, &b, &copy, &a}));
+    EXPECT_EQ(Nodes(l), (NodeVec{&c, &y, &copy, &x}));
     c = loose;
     EXPECT_EQ(c.GetList(), nullptr);
-    EXPECT_EQ(l.GetCount(), 3);
+    { N doomed(&l); } // leaves the list on destruction
+    EXPECT_EQ(Nodes(l), (NodeVec{&y, &copy, &x}));
 }
 
 // Answers with its code, id and whether data came, and may leave its list.
-struct Counter : SCC_DListRefNode {
+struct Counter : N {
     int id, calls = 0;
     bool leave = false;
     Counter* victim = nullptr; // destroyed by the handler
@@ -106,7 +94,7 @@ struct Counter : SCC_DListRefNode {
 TEST(RefList, NotifyNodesAndListCopies) {
     SCC_RefDList l, k;
     EXPECT_EQ(l.NotifyNodes(5, nullptr), 0);
-    SCC_DListRefNode a(&l), b(&l), c(&l);
+    N a(&l), b(&l), c(&l);
     EXPECT_EQ(l.NotifyNodes(5, nullptr), 5);
     Counter x(1), y(2);
     k.AddTail(&x), k.AddTail(&y);
@@ -122,7 +110,7 @@ TEST(RefList, NotifyNodesAndListCopies) {
     EXPECT_EQ(Nodes(k), (NodeVec{&x, &y}));
     k.Remove(&x);
 
-    SCC_DListRefNode old(&k);
+    N old(&k);
     k = l;
     EXPECT_EQ(Nodes(k), Nodes(l));
     EXPECT_EQ(a.GetList(), &k);
@@ -151,44 +139,39 @@ struct SiteLog : SCC_ObjectEventHook<SiteLog, int> {
     std::string Take() { return std::exchange(sites, ""); }
 };
 
-TEST(RefList, NullNodesAreReportedAndLeftOut) {
+TEST(RefList, NullNodesAreReportedAndMergeCountsThisList) {
     SiteLog log;
     SCC_RefDList l;
-    SCC_DListRefNode a(&l), b;
+    N a(&l), b;
     l.AddTail(nullptr);
-    EXPECT_EQ(log.Take(), "scc/scc:291 scc/scc:239 ");
     l.AddHead(nullptr);
-    EXPECT_EQ(log.Take(), "scc/scc:300 scc/scc:239 ");
     l.InsertBefore(nullptr, nullptr);
-    EXPECT_EQ(log.Take(), "scc/scc:271 scc/scc:272 scc/scc:239 ");
     l.InsertAfter(&a, nullptr);
-    EXPECT_EQ(log.Take(), "scc/scc:282 scc/scc:239 ");
     l.InsertAfter(nullptr, &b); // b only comes to name the list
-    EXPECT_EQ(log.Take(), "scc/scc:281 ");
+    EXPECT_EQ(log.Take(), "scc/scc:291 scc/scc:239 scc/scc:300 scc/scc:239 scc/scc:271 "
+                          "scc/scc:272 scc/scc:239 scc/scc:282 scc/scc:239 scc/scc:281 ");
     EXPECT_EQ(Nodes(l), NodeVec{&a});
     l.RemoveAll();
     EXPECT_EQ(log.Take(), "");
     EXPECT_EQ(l.RemoveTail(), nullptr); // Remove(null) on an empty list
     EXPECT_EQ(log.Take(), "scc/scc:318 scc/scc:239 ");
-}
 
-TEST(RefList, MergeDependsOnThisListsCount) {
-    SiteLog log;
+    // Merge depends on this list's count.
     SCC_RefDList into, from;
-    SCC_DListRefNode a(&from), b(&from);
+    N m1(&from), m2(&from);
     into.Merge(from); // an empty list takes nothing
     EXPECT_EQ(from.GetCount(), 2);
-    SCC_DListRefNode first(&into);
+    N first(&into);
     into.Merge(from);
-    EXPECT_EQ(Nodes(into), (NodeVec{&first, &b, &a}));
+    EXPECT_EQ(Nodes(into), (NodeVec{&first, &m2, &m1}));
     EXPECT_EQ(log.Take(), "scc/scc:318 scc/scc:239 "); // the null element after the last
     into.Merge(into);
     EXPECT_EQ(into.GetCount(), 3);
     // Elements of a copied list name another list; merging them still ends.
     SCC_RefDList copy(into), target;
-    SCC_DListRefNode t(&target);
+    N t(&target);
     target.Merge(copy);
-    EXPECT_EQ(Nodes(target), (NodeVec{&t, &first, &b, &a}));
+    EXPECT_EQ(Nodes(target), (NodeVec{&t, &first, &m2, &m1}));
     EXPECT_EQ(copy.IsEmpty() + into.IsEmpty() + target.IsValid(), 3);
 }
 
