@@ -1,6 +1,5 @@
-// Tests of the array engine through SCC_Array<T>: storage and growth, copy on
-// write, the moves and announcements of Insert and Delete, iterators, and the
-// assertion sites.
+// Tests of the array engine through SCC_Array<T>: storage, copy on write,
+// Insert and Delete with their announcements, iterators, assertion sites.
 #include "SCC_Array.h"
 #include "SCC_SortableArray.h"
 #include "SSM.h"
@@ -17,6 +16,7 @@ namespace {
 
 typedef std::vector<int> Ints;
 typedef std::vector<Ints> Records;
+Ints operator+(Ints a, const Ints& b) { return a.insert(a.end(), b.begin(), b.end()), a; }
 
 // Opens the protected storage operations for inspection.
 template <class T> struct Probe : SCC_Array<T> {
@@ -88,8 +88,7 @@ TEST(Array, StorageReservesSpareSlotsGrowsByTheCountBasedStepAndStaysWithinInt) 
     // At 23 elements the step is 46 above; the lower reserve is kept.
     a.Append(11);
     EXPECT_EQ(a.Shape(), (Ints{-3, 21, -10, 21 + 46}));
-    a.ChangeBounds(-8, 60);
-    a.ChangeBounds(15, 80);
+    a.ChangeBounds(-8, 60), a.ChangeBounds(15, 80);
     EXPECT_EQ(a.Values(15, 21), (Ints{1, 7, 8, 9, 10, 11}));
     a.ChangeBounds(3, 3);
     EXPECT_EQ(rec.Take(), (Records{Code3(24), Code3(65), Code3(0)}));
@@ -107,10 +106,10 @@ TEST(Array, StorageReservesSpareSlotsGrowsByTheCountBasedStepAndStaysWithinInt) 
     EXPECT_EQ(b.CreateBuffer(5, 5), nullptr);
     b.Buf()->m_Upper = 0;
     b.CreateBuffer(0, 5);
-    EXPECT_EQ(b.Shape(), (Ints{4, 5, -10, 20}));
+    Ints shapes = b.Shape();
     b.Buf()->m_Lower = b.Buf()->m_Upper = 7;
     b.CreateBuffer(2, 7);
-    EXPECT_EQ(b.Shape(), (Ints{2, 3, -10, 20}));
+    EXPECT_EQ(shapes + b.Shape(), (Ints{4, 5, -10, 20, 2, 3, -10, 20}));
 
     // Reservations are kept within int; one that cannot be counted fails.
     IntProbe c;
@@ -129,13 +128,11 @@ TEST(Array, CopiesShareStorageUntilOneIsWritten) {
     IntProbe a(0, 3), b(a);
     EXPECT_EQ(std::as_const(b)[1] + b.FastGetAt(2), 3); // reads do not unshare
     EXPECT_EQ(a.Buf()->GetRefCount(), 2);
-
     Recorder rec(a);
     a[1] = 20;
     EXPECT_EQ(rec.Take(), Records{Code3(3)});
     EXPECT_EQ(b.Buf()->GetRefCount(), 1);
-    EXPECT_EQ(a.Values(), (Ints{0, 20, 2}));
-    EXPECT_EQ(b.Values(), (Ints{0, 1, 2}));
+    EXPECT_EQ(a.Values() + b.Values(), (Ints{0, 20, 2, 0, 1, 2}));
 }
 
 TEST(Array, InsertAndDeleteMoveOneSideAndAnnounceTheBlocks) {
@@ -230,8 +227,7 @@ TEST(ArrayIterator, FollowsInsertsAndDeletesButNotBoundsChanges) {
     // One past the moved block moves with it.
     EXPECT_EQ(Follow(a, {5, 6, 12}, [&] { a.Delete(5, 1); }), (Ints{none, 5, 11}));
     EXPECT_EQ(Follow(a, {5}, [&] { a.ChangeBounds(0, 100), a.Insert(-1, -2); }), (Ints{5}));
-    // The zeroed block fields take position 0 in.
-    EXPECT_EQ(Follow(a, {0, 4}, [&] { a.Clear(); }), (Ints{0, none}));
+    EXPECT_EQ(Follow(a, {0, 4}, [&] { a.Clear(); }), (Ints{0, none})); // position 0 is kept
 
     // Reads and writes go through the writable access.
     IntProbe c(-4, 4);
@@ -242,8 +238,7 @@ TEST(ArrayIterator, FollowsInsertsAndDeletesButNotBoundsChanges) {
     it = 42;
     EXPECT_EQ((Ints{c.GetUpperBound(), c.FastGetAt(6)}), (Ints{7, 42}));
     it.SetArray(nullptr, 1); // stored; the position and the chain stay
-    EXPECT_EQ(it.GetPosition(), 6);
-    EXPECT_EQ(it.GetRoot(), &c.m_Event);
+    EXPECT_TRUE(it.GetPosition() == 6 && it.GetRoot() == &c.m_Event);
     {
         IntProbe shortLived(3L);
         outlives.SetArray(&shortLived, 1);
@@ -291,7 +286,6 @@ TEST(ArrayAssertions, SitesReportTheirFileLineAndText) {
     EXPECT_EQ(TakeSites(), (Sites{"scc/scc:472", "scc/scc:486"}));
     t.Buf()->m_Upper = 30;
     EXPECT_EQ(t.Buf()->IsValid(), 0);
-    EXPECT_EQ(TakeSites(), (Sites{"scc/scc:475"}));
 
     // Unchecked reads report and neither grow nor unshare.
     IntProbe r(0, 3), sharer(r), empty;
@@ -299,13 +293,10 @@ TEST(ArrayAssertions, SitesReportTheirFileLineAndText) {
     r.FastGetAt(100); // no storage there: a scratch element stands in
     empty.FastGetAt(0);
     EXPECT_EQ(std::as_const(r)[5] + std::as_const(r)[2], 11);
-    EXPECT_EQ(TakeSites(),
-              (Sites{"scc/scc_arr:399", "scc/scc_arr:399", "scc/scc_arr:399", "scc/scc_arr:406"}));
     EXPECT_EQ((Ints{r.GetCount(), static_cast<int>(r.Buf()->GetRefCount())}), (Ints{3, 2}));
 
     SCC_Array<int>::Iterator it;
     EXPECT_EQ(it.OnNotification(1, nullptr), 0);
-    EXPECT_EQ(TakeSites(), (Sites{"scc/scc_arr:255"}));
 
     // A sort with bad arguments reports and goes on, its comparisons growing
     // the array through the writable access.
@@ -314,7 +305,9 @@ TEST(ArrayAssertions, SitesReportTheirFileLineAndText) {
     s.Sort(0, 5, 0);
     s.Sort(1, 5, 1);
     s.Sort(-1, 2, 1);
-    EXPECT_EQ(TakeSites(), (Sites{"scc/scc:759", "scc/scc:761", "scc/scc:760"}));
+    EXPECT_EQ(TakeSites(), (Sites{"scc/scc:475", "scc/scc_arr:399", "scc/scc_arr:399",
+                                  "scc/scc_arr:399", "scc/scc_arr:406", "scc/scc_arr:255",
+                                  "scc/scc:759", "scc/scc:761", "scc/scc:760"}));
     EXPECT_EQ((Ints{s.GetLowerBound(), s.GetUpperBound()}), (Ints{-1, 6}));
 }
 

@@ -63,7 +63,6 @@ TEST(Event, PriorityOrderEnableAndDestruction) {
         ev.Append(&t);
         EXPECT_EQ(&ev, t.GetRoot());
         EXPECT_EQ("cPabT", Deliver(ev));
-
         EXPECT_EQ(1, ev.Enable(0));
         EXPECT_EQ("", Deliver(ev));
         EXPECT_EQ(0, ev.Enable(1));
@@ -123,8 +122,7 @@ TEST(Event, CopiesMoveTheChain) {
     src.Append(&a), src.Append(&b);
     src.Enable(0);
     SCC_Event<int> moved(src);
-    EXPECT_EQ(0, moved.enabled); // the copy takes `enabled`...
-    moved.Enable(1);
+    EXPECT_EQ(0, moved.Enable(1)); // the copy takes `enabled`...
     EXPECT_EQ("", Deliver(src));
     EXPECT_EQ("AB", Deliver(moved));
     EXPECT_EQ(&src, a.GetRoot()); // ...and leaves the roots naming the source
@@ -134,9 +132,8 @@ TEST(Event, CopiesMoveTheChain) {
     target.Append(&t);
     moved.Enable(0);
     target = moved;
-    EXPECT_TRUE(Detached(t));
-    EXPECT_EQ(1, target.enabled);    // assignment keeps its own `enabled`...
-    EXPECT_EQ(&target, b.GetRoot()); // ...and renames the roots
+    // Assignment keeps its own `enabled` and renames the roots.
+    EXPECT_TRUE(Detached(t) && target.enabled == 1 && b.GetRoot() == &target);
     EXPECT_EQ("", Deliver(moved));
     SCC_Event<int>& self = target;
     target = self;
@@ -167,15 +164,12 @@ TEST(Event, NodeCopyIsShallowAndAssignmentInserts) {
     // Detaching the copy tells b's event about the copy and joins b's
     // neighbours: b drops out of the ring with stale links.
     copy.Remove();
-    EXPECT_EQ("U", ev.seen);
-    EXPECT_TRUE(Detached(copy));
-    EXPECT_EQ(&ev, b.root);
+    EXPECT_TRUE(ev.seen == "U" && Detached(copy) && b.root == &ev);
     EXPECT_EQ("AC", Deliver(ev));
 
     SCC_EventNode<int>& asNode = c;
     asNode = a; // leaves its place, joins just before a
-    EXPECT_EQ("UL", ev.seen);
-    EXPECT_EQ(&ev, c.root);
+    EXPECT_TRUE(ev.seen == "UL" && c.root == &ev);
     EXPECT_EQ("CA", Deliver(ev));
     b.root = nullptr; // keep b's destructor off its stale links
     b.prev = b.next = &b;
@@ -186,11 +180,10 @@ TEST(Event, HookCopiesAndObjectHooks) {
     H low, high, other;
     Hook(low, Log<'a'>, 1).Attach(&ev), Hook(high, Log<'b'>, 9).Attach(&ev);
     H copy(low); // just before its source, whatever its priority
-    EXPECT_TRUE(copy.GetRoot() == &ev && copy.prev == &high && copy.next == &low);
-    EXPECT_EQ(1, copy.GetPriority());
     Hook(other, Log<'c'>, 0).Attach(&ev);
     other = high;
-    EXPECT_EQ(9, other.GetPriority());
+    EXPECT_TRUE(copy.GetRoot() == &ev && copy.prev == &high && copy.next == &low);
+    EXPECT_TRUE(copy.GetPriority() == 1 && other.GetPriority() == 9);
     EXPECT_EQ("bbaa", Deliver(ev));
 
     struct Obj {
@@ -207,7 +200,6 @@ TEST(Event, HookCopiesAndObjectHooks) {
     oc.Attach(&n);
     SCC_Notifier n2(n), n3;
     n3 = n2;
-    EXPECT_EQ(&n3, oc.GetRoot());
     n3.Notify(2, &d);
-    EXPECT_EQ(204, o.seen);
+    EXPECT_TRUE(oc.GetRoot() == &n3 && o.seen == 204);
 }

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <iterator>
 #include <tuple>
+#include <vector>
 
 namespace {
 
@@ -75,9 +76,7 @@ TEST(SysTransform, BatchImagesEqualSingleImages) {
     for (size_t i = 0; i < std::size(points); ++i) EXPECT_EQ(batch[i], t + points[i]) << i;
 
     std::copy(std::begin(points), std::end(points), batch);
-    t.Transform(batch, 0);
-    t.Transform(batch, -1);
-    t.Transform(nullptr, 3);
+    t.Transform(batch, 0), t.Transform(batch, -1), t.Transform(nullptr, 3);
     EXPECT_TRUE(std::equal(std::begin(points), std::end(points), batch));
 }
 
@@ -108,16 +107,16 @@ TEST(SysTransform, AnglesLengthsAndDirectionThresholds) {
     };
     for (const auto& l : lengths) {
         const SYS_Transform t = MADE(SetScale, P(10, 10), l.scale);
-        EXPECT_EQ(After(l.v, [&](long& v) { t.Convert(v); }), l.times) << l.scale << " " << l.v;
-        EXPECT_EQ(t + l.v, l.times) << l.scale << " " << l.v;
-        EXPECT_EQ(t - l.v, l.divided) << l.scale << " " << l.v;
+        const long converted = After(l.v, [&](long& v) { t.Convert(v); });
+        EXPECT_EQ((std::vector<long>{converted, t + l.v, t - l.v}),
+                  (std::vector<long>{l.times, l.times, l.divided}))
+            << l.scale << " " << l.v;
     }
 
     // A rotation normalises any vector but a tiny one; a mirror takes only
     // unit vectors and those of length 2 or more.
     const SYS_Transform r = MADE(SetRotate, kO, 0.0, 0.5);
-    EXPECT_TRUE(r == MADE(SetRotate, kO, 0.0, 1.0));
-    EXPECT_EQ(r.GetOrientation(), 162000000);
+    EXPECT_TRUE(r == MADE(SetRotate, kO, 0.0, 1.0) && r.GetOrientation() == 162000000);
     EXPECT_DOUBLE_EQ(r.angleOffset, kPi / 2); // radians
     EXPECT_TRUE(MADE(SetMirror, kO, 0.0, 0.5) == MADE(SetMirror, kO, 1.0, 0.0));
 
@@ -162,25 +161,21 @@ TEST(SysTransform, Inverses) {
 
     SYS_Transform flat = MADE(SetScale, kO, 0);
     inv.SetMove(5L, 5L);
-    EXPECT_EQ(flat.SetRConv(inv), 0);
-    EXPECT_TRUE(inv == SYS_Transform()); // singular: out left at the identity
-    EXPECT_EQ(flat.Invert(), 0);
-    EXPECT_EQ(flat.a, 0.0);
+    EXPECT_EQ(flat.SetRConv(inv) + flat.Invert(), 0);
+    EXPECT_TRUE(inv == SYS_Transform() && flat.a == 0.0); // singular: out left at the identity
 
     SYS_Transform t = MADE(SetRotate, kO, 1000);
     t.scale = 0;
     EXPECT_EQ(t.SetRConv(inv), 0);
-    EXPECT_EQ(t.scale, 1.0); // repaired in the source
-    EXPECT_EQ(inv.scale, 1.0);
-    EXPECT_EQ(inv.rotation, -1000); // written before the failure
+    // The source's scale is repaired; the rotation was written before the failure.
+    EXPECT_EQ(std::make_tuple(t.scale, inv.scale, inv.rotation), std::make_tuple(1.0, 1.0, -1000));
     t.scale = 0;
     t.RConv();
     EXPECT_EQ(t.rotation, -1000); // the partial inverse is taken
 
     SYS_Transform s = MADE(SetScale, kO, 4) + MADE(SetMirror, kO, 0.0, 1.0);
     ASSERT_EQ(s.Invert(), 1);
-    EXPECT_TRUE(s.angleFactor == 1 && s.rotation == 0 && s.sweepFactor == 1);
-    EXPECT_DOUBLE_EQ(s.scale, 0.25);
+    EXPECT_TRUE(s.angleFactor == 1 && s.rotation == 0 && s.sweepFactor == 1 && s.scale == 0.25);
     EXPECT_EQ(s + P(-40, 8), P(10, 2));
 }
 
@@ -211,11 +206,10 @@ TEST(SysTransform, ImagesOfLocationsAndBoxes) {
     EXPECT_EQ(image(SYS_Location(10, 0, 600000000), MADE(SetRotate, kO, 162000000)),
               SYS_Location(0, 10, 114000000));
     // Reflected orientations; only a negative result is brought back.
-    const std::pair<long, long> reflected[] = {{100000000, 224000000},
-                                               {400000000, 572000000},
-                                               {-100000000, 424000000},
-                                               {-500000000, 824000000}};
-    for (auto [in, out] : reflected)
+    for (auto [in, out] : {std::pair{100000000L, 224000000L},
+                           {400000000L, 572000000L},
+                           {-100000000L, 424000000L},
+                           {-500000000L, 824000000L}})
         EXPECT_EQ(image(SYS_Location(3, 4, in), mirror).orientation, out) << in;
     EXPECT_EQ(image(SYS_Position(1, 2, 0, 1), mirror), SYS_Position(1, -2, 324000000, 0));
 
