@@ -37,6 +37,7 @@ TEST(SysTransform, PointImages) {
         {MADE(SetMirror, kO, 0L), P(3, 4), P(3, -4)},
         {MADE(SetMirror, P(10, 0), 81000000), P(13, 4), P(14, 3)}, // the diagonal through (10, 0)
         {MADE(SetMirror, kO, 0.0, 2.0), P(3, 4), P(-3, 4)},        // normalised to (0, 1)
+        {MADE(SetMirror, kO, 1.0, 1.0), P(3, 4), P(3, -4)},        // shorter than 2: (1, 0)
         {MADE(SetMirror, kO, 0.6, 0.8), P(1000, 0), P(-280, 960)}, // a unit vector as given
         {MADE(SetScale, P(10, 10), 2), P(11, 10), P(12, 10)},
         {MADE(SetScale, kO, -0.5), P(-5, 3), P(3, -2)}, // 2.5 and -1.5

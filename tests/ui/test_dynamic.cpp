@@ -104,11 +104,12 @@ const unsigned long ucounts[] = {2, 1};
 typedef CDynamic& R;
 SYS_Point P(long x, long y) { return SYS_Point(x, y); }
 
-// Recording operations: what they store, the dirty box they leave, and the
-// calls their replay makes between GetPenMode and restoring pen mode 7.
+// Recording operations: what they store, the dirty box they leave, the
+// calls their replay makes between GetPenMode and restoring pen mode 7, and
+// (where there are any) the calls recording makes to measure.
 const struct Op {
     std::function<void(R)> record;
-    const char *values, *dirty, *replay;
+    const char *values, *dirty, *replay, *measure = "";
 } kOps[] = {
     {[](R d) { d.PenColor(5), d.PenSize(0x100000007L), d.PenCap(2), d.SwitchPen(1, 2, 3); },
      "0 5 1 7 8 2 10 1 2 3", "[(0 0)(0 0)]", "PenColor 5;PenSize 7;PenCap 2;SwitchPen 1 2 3;"},
@@ -123,9 +124,10 @@ const struct Op {
     {[](R d) { d.FillRect(SYS_Box(10, 20, 0, 0), 7); }, "4 0 0 10 20 7", "[(0 0)(10 20)]",
      "PenMode 2;FillRect [(0 0)(10 20)] 7;"},
     {[](R d) { EXPECT_EQ(Text(d.DrawXorText("ab", 1, 2, 30L, 40L, 9)), "[(30 40)(40 45)]"); },
-     "5 30 40 1 2 3 97 98 0", "[(30 40)(40 45)]", "DrawXorText ab 1 2 (30 40) 1;"},
+     "5 30 40 1 2 3 97 98 0", "[(30 40)(40 45)]", "DrawXorText ab 1 2 (30 40) 1;",
+     "DrawXorText ab 1 2 30 40 0;"},
     {[](R d) { d.DrawXorText("\xE9", 1, 2, SYS_Point(3, 4), 0); }, "5 3 4 1 2 2 233 0",
-     "[(3 4)(13 9)]", "DrawXorText \xE9 1 2 (3 4) 1;"},
+     "[(3 4)(13 9)]", "DrawXorText \xE9 1 2 (3 4) 1;", "DrawXorText \xE9 1 2 3 4 0;"},
     {[](R d) { d.DrawLine(P(0, 0), P(10, 5), 1, 2); }, "6 0 0 10 5 1 2", "[(0 0)(10 10)]",
      "PenMode 2;PenColor 2;PenSize 1;DrawLine (0 0) (10 5) 1 2;"},
     {[](R d) { d.DrawArc(SYS_Box(40, 40, 0, 0), P(40, 20), P(0, 20), 3, 4); },
@@ -165,6 +167,7 @@ TEST(Dynamic, EveryOperationRecordsMergesAndReplays) {
         EXPECT_EQ(Values(d), op.values);
         EXPECT_EQ(d.GetRecords()[d.GetRecordCount()], CDynamic::NO_OP);
         EXPECT_EQ(Text(d.m_DirtyBox), op.dirty);
+        EXPECT_EQ(area.log, op.measure);
         area.log.clear();
         EXPECT_EQ(d.OnNotification(UI_DrawArea::REDRAW_SHOW, nullptr), 0);
         EXPECT_EQ(area.log, std::string("GetPenMode;") + op.replay + "PenMode 7;");
