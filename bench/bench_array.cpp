@@ -2,7 +2,7 @@
 // std::vector, std::sort and std::equal_range at 1e3, 1e5 and 1e6 elements.
 #include "keel_bench.h"
 
-#include "SCC_SortableArray.h"
+#include <keel/SCC_SortableArray.h>
 
 #include <algorithm>
 #include <vector>

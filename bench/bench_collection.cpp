@@ -11,7 +11,7 @@
 //     the vector walks the same objects, sorts and compares with the old list.
 #include "keel_bench.h"
 
-#include "SCC_StdCollection.h"
+#include <keel/SCC_StdCollection.h>
 
 #include <algorithm>
 #include <memory>

@@ -3,7 +3,7 @@
 // same values.  Times are per value.
 #include "keel_bench.h"
 
-#include "SYS_Convert.h"
+#include <keel/SYS_Convert.h>
 
 #include <cstdio>
 #include <cstdlib>

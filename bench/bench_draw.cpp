@@ -5,8 +5,8 @@
 // DrawLine and FastLineTo (17 values per cycle of 4).
 #include "keel_bench.h"
 
-#include "UI_DrawArea.h"
-#include "UI_Dynamic.h"
+#include <keel/UI_DrawArea.h>
+#include <keel/UI_Dynamic.h>
 
 #include <vector>
 

@@ -3,7 +3,7 @@
 // signal with the same number of slots.  Times are per delivery to one hook.
 #include "keel_bench.h"
 
-#include "SCC_Event.h"
+#include <keel/SCC_Event.h>
 
 #if KEEL_BENCH_BOOST
 #include <boost/signals2/signal.hpp>

@@ -3,8 +3,8 @@
 // arithmetic on the same data.  Times are per point or per box.
 #include "keel_bench.h"
 
-#include "SYS_Geom.h"
-#include "SYS_Transform.h"
+#include <keel/SYS_Geom.h>
+#include <keel/SYS_Transform.h>
 
 #include <algorithm>
 #include <cstdint>

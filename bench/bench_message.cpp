@@ -7,8 +7,8 @@
 #include "keel_bench.h"
 
 #include "MdbCompile.h"
-#include "SFM.h"
-#include "SFM_MessageDB.h"
+#include <keel/SFM.h>
+#include <keel/SFM_MessageDB.h>
 
 #include <cstdio>
 #include <cstdlib>

@@ -4,8 +4,8 @@
 // matches; a count that differs stops the benchmark with an error.
 #include "keel_bench.h"
 
-#include "SYS_CodePage.h"
-#include "SYS_StrPattern.h"
+#include <keel/SYS_CodePage.h>
+#include <keel/SYS_StrPattern.h>
 
 #include <cstdio>
 #include <regex>

@@ -3,9 +3,9 @@
 // searching, natural comparison).
 #include "keel_bench.h"
 
-#include "SYS_CodePage.h"
-#include "SYS_Scan.h"
-#include "SYS_String.h"
+#include <keel/SYS_CodePage.h>
+#include <keel/SYS_Scan.h>
+#include <keel/SYS_String.h>
 
 #include <cstdio>
 #include <cstring>

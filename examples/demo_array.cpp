@@ -1,7 +1,7 @@
 // demo_array.cpp - keel-demo step: an array growing, shared, edited and
 // sorted, with an iterator that follows its element.
 #include "demo_steps.h"
-#include "SCC_SortableArray.h"
+#include <keel/SCC_SortableArray.h>
 
 #include <cstdio>
 #include <string>

@@ -1,7 +1,7 @@
 // demo_assert.cpp - keel-demo step: the assertion manager and its events.
 #include "demo_steps.h"
-#include "keel.h"
-#include "SSM.h"
+#include <keel/keel.h>
+#include <keel/SSM.h>
 
 #include <cstdio>
 

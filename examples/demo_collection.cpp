@@ -3,7 +3,7 @@
 // every notification its listener hears.
 #include "demo_steps.h"
 #include "demo_units.h"
-#include "SCC_StdCollection.h"
+#include <keel/SCC_StdCollection.h>
 
 #include <cstdio>
 #include <map>

@@ -2,8 +2,8 @@
 // and typed text parsed back, with the inputs that are refused and why.
 #include "demo_steps.h"
 #include "demo_units.h"
-#include "SCC_Variant.h"
-#include "SYS_Convert.h"
+#include <keel/SCC_Variant.h>
+#include <keel/SYS_Convert.h>
 
 #include <cstdio>
 #include <string>

@@ -4,9 +4,9 @@
 #include "demo_steps.h"
 #include "demo_units.h"
 #include "RasterArea.h"
-#include "SCC_Variant.h"
-#include "UI_Dynamic.h"
-#include "UI_PaletteColorConvertor.h"
+#include <keel/SCC_Variant.h>
+#include <keel/UI_Dynamic.h>
+#include <keel/UI_PaletteColorConvertor.h>
 
 #include <sys/stat.h>
 

@@ -3,10 +3,10 @@
 // them behind the host's back; then a message database read by key and by
 // section.  Everything happens in a temporary directory, removed at the end.
 #include "demo_steps.h"
-#include "SFM.h"
-#include "SFM_File.h"
-#include "SFM_MessageDB.h"
-#include "SSM.h"
+#include <keel/SFM.h>
+#include <keel/SFM_File.h>
+#include <keel/SFM_MessageDB.h>
+#include <keel/SSM.h>
 
 #include <fcntl.h>
 #include <sys/resource.h>

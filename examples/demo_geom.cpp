@@ -2,9 +2,9 @@
 // rotation and a mirror, and reading the result back.
 #include "demo_steps.h"
 #include "demo_units.h"
-#include "SYS_Curve.h"
-#include "SYS_Geom.h"
-#include "SYS_Transform.h"
+#include <keel/SYS_Curve.h>
+#include <keel/SYS_Geom.h>
+#include <keel/SYS_Transform.h>
 
 #include <cmath>
 #include <cstdio>

@@ -1,6 +1,6 @@
 // demo_pattern.cpp - keel-demo step: searching and renaming with patterns.
 #include "demo_steps.h"
-#include "keel.h"
+#include <keel/keel.h>
 
 #include <cstdio>
 #include <string>

@@ -1,6 +1,6 @@
 // demo_strings.cpp - keel-demo step: strings, fields and number scanning.
 #include "demo_steps.h"
-#include "keel.h"
+#include <keel/keel.h>
 
 #include <algorithm>
 #include <cstdio>

@@ -7,9 +7,9 @@
 // Input: four control bytes (unit, unit precision, angle precision, flags:
 // bit 0 zero-trim, the rest the size of the small buffer), then a value text
 // and, after the first newline, a rule text.
-#include "SCC_Variant.h"
-#include "SYS_Convert.h"
-#include "SYS_Exception.h"
+#include <keel/SCC_Variant.h>
+#include <keel/SYS_Convert.h>
+#include <keel/SYS_Exception.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -7,7 +7,7 @@
 //   build/fuzz/fuzz/fuzz_dynamic -max_total_time=60 /tmp/corpus fuzz/corpus/dynamic
 // Input: one byte per step choosing the operation, then its operands as
 // little-endian 32-bit values or bytes.
-#include "UI_Dynamic.h"
+#include <keel/UI_Dynamic.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -4,8 +4,8 @@
 // input.  The first byte picks the code page and the default separator; the
 // rest is split at its first NUL into a path and a value.
 //   build/fuzz/fuzz/fuzz_filepath -max_total_time=300 /tmp/corpus fuzz/corpus/filepath
-#include "SFM_FilePath.h"
-#include "SYS_CodePage.h"
+#include <keel/SFM_FilePath.h>
+#include <keel/SYS_CodePage.h>
 
 #include <cstddef>
 #include <cstdint>

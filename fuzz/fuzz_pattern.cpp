@@ -6,10 +6,10 @@
 // Input: a flag byte, the pattern, a zero byte, the text.
 //   build/fuzz/fuzz/fuzz_pattern -max_len=1100 -timeout=1 -max_total_time=600 \
 //       /tmp/corpus fuzz/corpus/pattern
-#include "SYS_CodePage.h"
-#include "SYS_StrPattern.h"
-#include "SYS_Scan.h"
-#include "SYS_String.h"
+#include <keel/SYS_CodePage.h>
+#include <keel/SYS_StrPattern.h>
+#include <keel/SYS_Scan.h>
+#include <keel/SYS_String.h>
 
 #include <cstddef>
 #include <cstdint>

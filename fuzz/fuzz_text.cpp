@@ -4,9 +4,9 @@
 // second operand (a set, delimiters, another text).
 //   build/fuzz/fuzz/fuzz_text -max_total_time=60 /tmp/corpus fuzz/corpus/text
 // (new inputs go to the first folder; the seeds stay as they are).
-#include "SYS_CodePage.h"
-#include "SYS_Scan.h"
-#include "SYS_String.h"
+#include <keel/SYS_CodePage.h>
+#include <keel/SYS_Scan.h>
+#include <keel/SYS_String.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -6,8 +6,8 @@
 #define MDB_FUZZ_H
 
 #include "MdbCompile.h"
-#include "SFM.h"
-#include "SFM_MessageDB.h"
+#include <keel/SFM.h>
+#include <keel/SFM_MessageDB.h>
 
 #include <cstdint>
 #include <cstdio>

@@ -1,8 +1,16 @@
-// keel.h - every public header of keel.
+/// @file
+/// Every public header of keel, in one include.
+///
+/// Hosts include it as `#include <keel/keel.h>` (or include the single headers
+/// they need, as <keel/NAME.h>), compile with the installed `include`
+/// directory on the include path and link libkeel.  It declares nothing of
+/// its own; it costs only compile time.  It brings keel_version.h along
+/// (KEEL_VERSION_MAJOR, KEEL_VERSION_MINOR, KEEL_VERSION_PATCH, KEEL_VERSION_STRING).
 #ifndef KEEL_H
 #define KEEL_H
 
 #include "keel_config.h"
+#include <keel/keel_version.h>
 
 #include "SYS_CodePage.h"
 #include "SYS_String.h"

@@ -2,7 +2,7 @@
 // sets, painted once per pixel in copy or exclusive-or mode, PNG output.
 #include "RasterArea.h"
 
-#include "UI_Dynamic.h"
+#include <keel/UI_Dynamic.h>
 
 #include <png.h>
 

@@ -20,9 +20,9 @@
 #ifndef KEEL_RASTER_AREA_H
 #define KEEL_RASTER_AREA_H
 
-#include "SCC_Event.h"
-#include "SYS_Geom.h"
-#include "UI_DrawArea.h"
+#include <keel/SCC_Event.h>
+#include <keel/SYS_Geom.h>
+#include <keel/UI_DrawArea.h>
 
 #include <cstdint>
 #include <string>

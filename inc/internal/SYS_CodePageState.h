@@ -4,7 +4,7 @@
 #ifndef SYS_CODEPAGESTATE_H
 #define SYS_CODEPAGESTATE_H
 
-#include "keel_config.h"
+#include "../keel_config.h"
 
 // Non-zero once the code page in force is known to be single-byte.  Inline
 // text operations test it to take the C library's byte paths without a call

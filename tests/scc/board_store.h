@@ -3,7 +3,7 @@
 #ifndef KEEL_TESTS_BOARD_STORE_H
 #define KEEL_TESTS_BOARD_STORE_H
 
-#include "SCC_StdCollection.h"
+#include <keel/SCC_StdCollection.h>
 
 #include <map>
 #include <memory>

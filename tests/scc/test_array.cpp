@@ -1,8 +1,8 @@
 // Tests of the array engine through SCC_Array<T>: storage, copy on write,
 // Insert and Delete with their announcements, iterators, assertion sites.
-#include "SCC_Array.h"
-#include "SCC_SortableArray.h"
-#include "SSM.h"
+#include <keel/SCC_Array.h>
+#include <keel/SCC_SortableArray.h>
+#include <keel/SSM.h>
 
 #include <gtest/gtest.h>
 

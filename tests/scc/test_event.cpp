@@ -1,5 +1,5 @@
 // Tests of the notification chains: order, re-entrancy, moving copies.
-#include "SCC_Event.h"
+#include <keel/SCC_Event.h>
 
 #include <gtest/gtest.h>
 

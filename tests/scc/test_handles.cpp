@@ -1,5 +1,5 @@
 // Tests of handle objects and the tables that keep them.
-#include "SCC_Handle.h"
+#include <keel/SCC_Handle.h>
 #include "tests/scc/board_store.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // Tests of the hash-table key helpers.
-#include "SCC_Hash.h"
+#include <keel/SCC_Hash.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // Tests of the pointer lists and the self-aware reference list.
-#include "SCC_List.h"
-#include "SSM.h"
+#include <keel/SCC_List.h>
+#include <keel/SSM.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

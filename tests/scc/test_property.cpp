@@ -1,6 +1,6 @@
 // Tests of properties read and written through a collection's focus.
-#include "SCC_Property.h"
-#include "SYS_Exception.h"
+#include <keel/SCC_Property.h>
+#include <keel/SYS_Exception.h>
 #include "tests/scc/board_store.h"
 
 #include <gtest/gtest.h>

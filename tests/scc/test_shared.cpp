@@ -1,6 +1,6 @@
 // Tests of SCC_SharedBuffer and SCC_SharedPointer: the heap test behind the
 // count, deletion of heap objects only, and safe reassignment.
-#include "SCC_Shared.h"
+#include <keel/SCC_Shared.h>
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 // overrides its sorting operations.  These tests hold that path to the one
 // that goes through the virtual Comp, Swap and ShortSort: the same order of
 // equal elements, the same comparisons, the same recorded direction.
-#include "SCC_SortableArray.h"
+#include <keel/SCC_SortableArray.h>
 
 #include <gtest/gtest.h>
 

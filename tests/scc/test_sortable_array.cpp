@@ -1,6 +1,6 @@
 // Tests of SCC_SortableArray<int>: the sort in both directions, the
 // equal-run search, sorted insertion, identity search and the sort objects.
-#include "SCC_SortableArray.h"
+#include <keel/SCC_SortableArray.h>
 
 #include <gtest/gtest.h>
 

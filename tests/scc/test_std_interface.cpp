@@ -1,7 +1,7 @@
 // Tests of SYS_StdInterface (the default handle walk, DefaultSort) and
 // SYS_Filter (bitwise combinators, their evaluation order, and who frees the
 // filters that the operators build: leaks and double frees show under ASan).
-#include "SYS_StdInterface.h"
+#include <keel/SYS_StdInterface.h>
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // Tests of SCC_Variant (construction, the strict conversions and their
 // exception texts, equality across types, assignment, validation against
 // range and length rules) and of SCC_Convertor.
-#include "SCC_Variant.h"
-#include "SYS_Exception.h"
+#include <keel/SCC_Variant.h>
+#include <keel/SYS_Exception.h>
 
 #include <gtest/gtest.h>
 

@@ -3,9 +3,9 @@
 #ifndef SFM_FIXTURE_H
 #define SFM_FIXTURE_H
 
-#include "SFM.h"
-#include "SFM_File.h"
-#include "SSM.h"
+#include <keel/SFM.h>
+#include <keel/SFM_File.h>
+#include <keel/SSM.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // Tests of SFM_FilePath: parsing, the setters' own parses, defaults and the
 // added separator.
-#include "SFM_FilePath.h"
-#include "SYS_CodePage.h"
+#include <keel/SFM_FilePath.h>
+#include <keel/SYS_CodePage.h>
 
 #include <gtest/gtest.h>
 

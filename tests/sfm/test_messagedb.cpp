@@ -1,7 +1,7 @@
 // Tests of SFM_MessageDB: the text source rules, iterators, the binary
 // loader (also on every truncation of a valid file), Save byte for byte,
 // and SFM::Initiate.
-#include "SFM_MessageDB.h"
+#include <keel/SFM_MessageDB.h>
 #include "sfm_fixture.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // Tests of the assertion manager: records, the action protocol, nesting,
 // exceptions and errno.
-#include "SSM.h"
+#include <keel/SSM.h>
 #include "ssm/internal/SSM_Check.h"
 
 #include <gtest/gtest.h>

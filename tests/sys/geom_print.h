@@ -1,7 +1,7 @@
 // Short names, readable GoogleTest messages and a helper for geometry tests.
 #ifndef KEEL_TESTS_GEOM_PRINT_H
 #define KEEL_TESTS_GEOM_PRINT_H
-#include "SYS_Geom.h"
+#include <keel/SYS_Geom.h>
 #include <ostream>
 using P = SYS_Point;
 using B = SYS_Box;

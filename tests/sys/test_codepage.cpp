@@ -1,9 +1,9 @@
 // Tests of double-byte behaviour: lead bytes are taken with their trail byte
 // by the multibyte-aware operations and not by the byte-wise ones; and of the
 // wide-text conversion.
-#include "SYS_CodePage.h"
-#include "SYS_Scan.h"
-#include "SYS_String.h"
+#include <keel/SYS_CodePage.h>
+#include <keel/SYS_Scan.h>
+#include <keel/SYS_String.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SYS_Convert: the unit table, rounding and the overflow marker, the parsers,
 // the formatters, the grid operations and the walk over the units.
-#include "SYS_Convert.h"
+#include <keel/SYS_Convert.h>
 #include "tests/sys/geom_print.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // Segments, circles and arcs: sweeps, lengths, extremes and boxes.
-#include "SYS_Curve.h"
-#include "SYS_Transform.h"
+#include <keel/SYS_Curve.h>
+#include <keel/SYS_Transform.h>
 #include "tests/sys/geom_print.h"
 
 #include <gtest/gtest.h>

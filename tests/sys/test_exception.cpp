@@ -1,6 +1,6 @@
 // Tests of SYS_Exception: the formatted and the numbered constructors.
-#include "SYS_Exception.h"
-#include "SYS_Resource.h"
+#include <keel/SYS_Exception.h>
+#include <keel/SYS_Resource.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Points, locations, positions and boxes: exact integer results.
-#include "SYS_Geom.h"
+#include <keel/SYS_Geom.h>
 #include "tests/sys/geom_print.h"
 
 #include <gtest/gtest.h>

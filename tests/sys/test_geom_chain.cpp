@@ -1,7 +1,7 @@
 // Tests of geometry chains: the typed searches, the exclusions (with the
 // one-sided ExcludeRoot), damaged chains, and the bases' defaults.
-#include "SSM.h"
-#include "SYS_GeomChain.h"
+#include <keel/SSM.h>
+#include <keel/SYS_GeomChain.h>
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // Invariants of the geometry checked on many random inputs.  Each test runs
 // from a fixed seed (KEEL_GEOM_SEED in the environment overrides it) and names
 // the seed and the case in every failure.
-#include "SYS_Curve.h"
-#include "SYS_Transform.h"
+#include <keel/SYS_Curve.h>
+#include <keel/SYS_Transform.h>
 #include "tests/sys/geom_print.h"
 
 #include <gtest/gtest.h>

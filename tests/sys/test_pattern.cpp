@@ -1,7 +1,7 @@
 // Tests of SYS_StrPattern: compiled programs, matching rules, substitution,
 // double-byte text, and the bounds on work and stack for any input.
-#include "SYS_CodePage.h"
-#include "SYS_StrPattern.h"
+#include <keel/SYS_CodePage.h>
+#include <keel/SYS_StrPattern.h>
 #include "sys/internal/SYS_PatternMachine.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // Tests of the resource string table and TR.
-#include "SYS_Resource.h"
+#include <keel/SYS_Resource.h>
 
 #include <gtest/gtest.h>
 

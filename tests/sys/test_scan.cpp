@@ -1,6 +1,6 @@
 // Tests of the number scanners, the natural comparison and field extraction.
-#include "SYS_Scan.h"
-#include "SYS_String.h"
+#include <keel/SYS_Scan.h>
+#include <keel/SYS_String.h>
 
 #include <gtest/gtest.h>
 

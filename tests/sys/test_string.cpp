@@ -1,6 +1,6 @@
 // Tests of SYS_StringBase: bounds rules, the NUL-bounded concatenation family,
 // searching, modification, buffers and formatting.
-#include "SYS_String.h"
+#include <keel/SYS_String.h>
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // The order of two string objects (the order of string-keyed maps) is strcmp's
 // under a single-byte code page, whatever the lengths, alignments and NULs
 // inside the texts, and character order under a double-byte one.
-#include "SYS_CodePage.h"
-#include "SYS_String.h"
+#include <keel/SYS_CodePage.h>
+#include <keel/SYS_String.h>
 
 #include <gtest/gtest.h>
 

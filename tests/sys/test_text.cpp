@@ -1,5 +1,5 @@
 // Tests of text styles, attributes and text items.
-#include "SYS_Text.h"
+#include <keel/SYS_Text.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SYS_Transform: setters, composition, inversion, conversions and the images
 // of the geometry values.
-#include "SYS_Transform.h"
+#include <keel/SYS_Transform.h>
 #include "tests/sys/geom_print.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // Tests of the keel-mdb tool, run as a program: compile then read back,
 // save against SFM_MessageDB::Save, section order, usage and failures.
-#include "SFM_MessageDB.h"
+#include <keel/SFM_MessageDB.h>
 #include "tests/sfm/sfm_fixture.h"
 
 #include <sys/wait.h>

@@ -1,5 +1,5 @@
 // Tests of the draw area's base answers and the main draw area.
-#include "UI_DrawArea.h"
+#include <keel/UI_DrawArea.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // Tests of CDynamic against a logging draw area: records, dirty boxes and
 // replays of every operation, the batch cycle, notifications and copies.
-#include "UI_Dynamic.h"
+#include <keel/UI_Dynamic.h>
 
 #include <gtest/gtest.h>
 

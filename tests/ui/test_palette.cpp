@@ -1,7 +1,7 @@
 // Tests of UI_PaletteColorConvertor: conversions through the main draw area
 // and the class-wide notifier's chain of hooks.
-#include "UI_DrawArea.h"
-#include "UI_PaletteColorConvertor.h"
+#include <keel/UI_DrawArea.h>
+#include <keel/UI_PaletteColorConvertor.h>
 
 #include <gtest/gtest.h>
 

@@ -8,7 +8,7 @@
 // to, fast ovals, strings) replay in whatever pen mode the area is in, so
 // they are left out: at the start of a replay that is the host's own mode.
 #include "RasterArea.h"
-#include "UI_Dynamic.h"
+#include <keel/UI_Dynamic.h>
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 // database in memory.
 #include "MdbCompile.h"
 
-#include "SYS_Resource.h"
-#include "internal/SYS_Int32.h"
+#include <keel/SYS_Resource.h>
+#include <keel/internal/SYS_Int32.h>
 
 #include <cstdio>
 #include <vector>

@@ -21,7 +21,7 @@
 #ifndef MDB_COMPILE_H
 #define MDB_COMPILE_H
 
-#include "SFM_MessageDB.h"
+#include <keel/SFM_MessageDB.h>
 
 #include <string>
 

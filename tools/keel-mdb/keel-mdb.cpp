@@ -17,10 +17,10 @@
 // section asked for is not there, 2 bad arguments (with the usage text).
 #include "MdbCompile.h"
 
-#include "SFM.h"
-#include "SFM_FilePath.h"
-#include "SFM_MessageDB.h"
-#include "SYS_Resource.h"
+#include <keel/SFM.h>
+#include <keel/SFM_FilePath.h>
+#include <keel/SFM_MessageDB.h>
+#include <keel/SYS_Resource.h>
 
 #include <cerrno>
 #include <cstdio>
