@@ -1,24 +1,35 @@
-// SCC_SortableArray.h - arrays that sort and search themselves through a
-// pluggable, reference-counted comparison.
-//
-// SCC_Sort<T> compares two elements, through a free function when one is set
-// and through SCC_DefaultCompare<T> otherwise.  SCC_SortableArray<T> adds
-// sorting, a binary search that widens to the whole run of equal elements,
-// sorted insertion (after the equal run) and identity search.
-//
-// The direction of the last Sort is kept in the storage block and multiplies
-// every comparison, so after a descending sort the searches work on the
-// reversed order.  A new block (after growth or copy on write) starts
-// ascending again.
-//
-// Costs: Sort is an in-place quicksort, O(n log n) comparisons on average;
-// FindItemPosition is O(log n) plus the length of the equal run; InsertSorted
-// adds the O(n) move of Insert.  Sorting and searching give a shared array a
-// private block first, as the writable accessor does.  A sortable array that
-// is not subclassed sorts and searches its storage directly, calling its
-// comparison function inline: 1 to 2 times std::sort and std::equal_range.
-// A subclass goes through the virtual Comp and Swap for every step, several
-// times slower.  Either way a comparison must not change the array.
+/// @file
+/// Arrays that sort and search themselves through a pluggable,
+/// reference-counted comparison.
+///
+/// SCC_Sort<T> compares two elements, through a free function when one is set
+/// and through SCC_DefaultCompare<T> otherwise.  SCC_SortableArray<T> adds
+/// sorting, a binary search that widens to the whole run of equal elements,
+/// sorted insertion (after the equal run) and identity search.
+///
+/// The direction of the last Sort is kept in the storage block and multiplies
+/// every comparison, so after a descending sort the searches work on the
+/// reversed order.  A new block (after growth or copy on write) starts at
+/// direction 1 again.  Sorting an array whose block is shared with a copy
+/// records the direction in the shared block, where the copy sees it, and
+/// then sorts a private block that starts at 1.
+///
+/// What a derived class may change: the order, by giving the array a sort
+/// object (SetSortFunction, or SetSort with an SCC_Sort<T> subclass that
+/// overrides Compare); and the sorting steps, by overriding Comp, Swap, Sort,
+/// ShortSort or Granularity of _SCC_Array.  Searches (FindItemPosition,
+/// InsertSorted, Find) always compare through the sort object, never through
+/// Comp: a class that overrides Comp to change the order must give the array
+/// the same order as a sort object, or its searches disagree with its sorts.
+///
+/// Costs: Sort is an in-place quicksort, O(n log n) comparisons on average;
+/// FindItemPosition is O(log n) plus the length of the equal run; InsertSorted
+/// adds the O(n) move of Insert.  Sorting and searching give a shared array a
+/// private block first, as the writable accessor does.  A sortable array that
+/// is not subclassed sorts and searches its storage directly, calling its
+/// comparison function inline: 1 to 2 times std::sort and std::equal_range.
+/// A subclass goes through the virtual Comp and Swap for every step, several
+/// times slower.  Either way a comparison must not change the array.
 #ifndef SCC_SORTABLEARRAY_H
 #define SCC_SORTABLEARRAY_H
 
@@ -30,11 +41,16 @@
 #include <type_traits>
 #include <utility>
 
-// The order of elements that have no comparison function: negative, 0 or
-// positive.  Arithmetic and enumeration types compare by value, giving -1, 0
-// or 1.  Element types without a natural order (handle objects, message keys)
-// specialize this template next to their own declaration.
+/// The order of elements that have no comparison function: negative, 0 or
+/// positive.  Arithmetic and enumeration types compare by value, giving -1, 0
+/// or 1.  Element types without a natural order (handle objects, message keys)
+/// specialize this template next to their own declaration.  A host element
+/// type that is neither arithmetic nor an enumeration needs a specialization
+/// too, even when its arrays always compare through a function, or it does
+/// not compile.
+/// @tparam T the element type.
 template <class T> struct SCC_DefaultCompare {
+    /// -1, 0 or 1 as `a` is less than, equal to or greater than `b`.
     static int Compare(const T& a, const T& b) {
         static_assert(std::is_arithmetic<T>::value || std::is_enum<T>::value,
                       "specialize SCC_DefaultCompare for this element type");
@@ -43,48 +59,84 @@ template <class T> struct SCC_DefaultCompare {
     }
 };
 
-// A comparison held by reference count.  It has no virtual destructor: the
-// last reference destroys it as SCC_Sort<T> and frees its memory.
+/// A comparison held by reference count.  It has no virtual destructor: the
+/// last reference destroys it as SCC_Sort<T> and frees its memory.
+///
+/// Arrays hold it through SCC_SharedPointer, so the rules of SCC_SharedBuffer
+/// apply: one made with `new` is deleted by the last array that lets go of
+/// it; a static, automatic or member one is never deleted and must outlive
+/// the arrays using it.  A subclass may override Compare; its own destructor
+/// never runs, so it must not hold anything that needs one.
+/// @tparam T the element type.
 template <class T> class SCC_Sort : public SCC_SharedBuffer {
 public:
+    /// A comparison function: negative, 0 or positive as `a` is less than,
+    /// equal to or greater than `b`.
     typedef int (*Function)(const T& a, const T& b);
 
+    /// Compares through `function`, or the default order when it is null.
     explicit SCC_Sort(Function function = nullptr) : m_Function(function) {}
 
+    /// Negative, 0 or positive as `a` is less than, equal to or greater than
+    /// `b`: m_Function's result when it is set, else SCC_DefaultCompare<T>'s.
+    /// Arrays multiply it by their recorded sort direction.
     virtual int Compare(const T& a, const T& b) {
         return m_Function ? m_Function(a, b) : SCC_DefaultCompare<T>::Compare(a, b);
     }
 
+    /// The comparison function, or null for the default order.
     Function m_Function;
 };
 
+/// A typed array that sorts itself, searches for runs of equal elements and
+/// keeps itself sorted on insertion.
+///
+/// The order is that of the sort object m_Sort times the direction of the
+/// last Sort (recorded in the storage block).  The searches assume the array
+/// is sorted in that order; on unsorted contents they return some position.
+/// @tparam T the element type.
 template <class T> class SCC_SortableArray : public SCC_Array<T> {
     using Base = SCC_Array<T>;
 
 public:
+    /// An array without storage, comparing in the default order of T.
     SCC_SortableArray() { SetSortFunction(nullptr); }
+    /// Bounds 0 and `n` (elements not cleared), comparing in the default order.
     explicit SCC_SortableArray(long n) : Base(n) { SetSortFunction(nullptr); }
+    /// Bounds `lo` and `hi` (elements not cleared), comparing in the default
+    /// order.
     SCC_SortableArray(int lo, int hi) : Base(lo, hi) { SetSortFunction(nullptr); }
-    // Shares `other`'s block and its comparison.
+    /// Shares `other`'s block and its sort object; the event starts empty.
     SCC_SortableArray(SCC_SortableArray& other) : Base(other), m_Sort(other.m_Sort) {}
 
+    /// Shares `other`'s block and its sort object, releasing this array's
+    /// own.  Nothing is announced.
     SCC_SortableArray& operator=(SCC_SortableArray& other) {
         Base::operator=(other);
         m_Sort = other.m_Sort;
         return *this;
     }
 
-    // Compares through `function`, or the default order when it is null.
+    /// Compares through `function`, or the default order when it is null:
+    /// makes a new sort object (owned by the arrays that hold it) and
+    /// releases the previous one.  Does not re-sort the array.
     void SetSortFunction(typename SCC_Sort<T>::Function function) {
         SCC_Sort<T>* sort = new SCC_Sort<T>;
         if (sort) sort->m_Function = function;
         m_Sort = sort;
     }
+    /// Compares through `sort`: takes a counted reference on it and releases
+    /// the previous one (see SCC_Sort for who frees it).  Arrays may share
+    /// one sort object (SetSort(other.GetSort())).  With a null sort every
+    /// element compares equal.  Does not re-sort the array.
     void SetSort(SCC_Sort<T>* sort) { m_Sort = sort; }
+    /// The sort object in force, as a new counted reference.
     SCC_SharedPointer<SCC_Sort<T>> GetSort() { return m_Sort; }
 
-    // Element i against element j, in the recorded direction.  Both indices
-    // go through the writable accessor (growing the array if need be).
+    /// Element i against element j through the sort object, times the
+    /// recorded direction.  Both indices go through the writable accessor
+    /// (growing the array to take in an index out of bounds, and making a
+    /// shared block private).  Returns 0 when no storage could be had.
     int Comp(long i, long j) override {
         this->WritableSlot(static_cast<int>(j));
         T* a = this->WritableSlot(static_cast<int>(i));
@@ -93,6 +145,8 @@ public:
         return Directed(Compare(*a, *b));
     }
 
+    /// Exchanges elements i and j, both taken through the writable accessor
+    /// (which grows the array to take in an index out of bounds).
     void Swap(long i, long j) override {
         this->WritableSlot(static_cast<int>(i));
         T* b = this->WritableSlot(static_cast<int>(j));
@@ -100,10 +154,13 @@ public:
         if (a && b && a != b) std::swap(*a, *b);
     }
 
-    // Records `direction` in the block and sorts start..start+count-1.  When
-    // nobody overrides the sorting operations, the range lies within the
-    // bounds and the block can be made private, the same quicksort runs
-    // inline over the storage, making the same comparisons and swaps.
+    /// Records `direction` in the block and sorts start..start+count-1 in the
+    /// order of the sort object: ascending for direction 1 (see
+    /// _SCC_Array::Sort for other directions, the cost and the assertions of a
+    /// bad range).  When nobody overrides the sorting operations, the range
+    /// lies within the bounds and the block can be made private, the same
+    /// quicksort runs inline over the storage, making the same comparisons and
+    /// swaps.  Iterators are not told: their positions keep their indices.
     void Sort(long start, long count, int direction) override {
         Buffer* b = this->m_Buffer;
         if (count >= 2 && direction != 0 && b && start >= b->m_Lower &&
@@ -122,7 +179,9 @@ public:
         _SCC_Array::Sort(start, count, direction);
     }
 
-    // Whether element i is in order with its neighbours.
+    /// 1 when element i is in order with its neighbours (through Comp), else
+    /// 0; always 1 in a one-element array.  Pass a valid index: Comp grows
+    /// the array to take in the neighbour of an index out of bounds.
     int ItemInValidPlace(long i) {
         const long lo = this->GetLowerBound();
         const long hi = static_cast<long>(this->GetUpperBound()) - 1;
@@ -133,8 +192,13 @@ public:
         return Comp(i, i + 1) <= 0 ? 1 : 0;
     }
 
-    // The run of elements equal to `item`: `first` is its first index (or
-    // where `item` would go), `last` one past its end (`first` when empty).
+    /// Binary search for the run of elements equal to `item`, widened to the
+    /// whole run: `first` is its first index (or where `item` would go),
+    /// `last` one past its end (`first` when empty).  So in 1, 3, 3, 3, 5 at
+    /// indices 0..4, 3 gives 1 and 4, 4 gives 4 and 4, 6 gives 5 and 5.  An
+    /// empty array gives 0 and 0 whatever its lower bound.  Compares through
+    /// the sort object, never Comp.  O(log n) plus the length of the run;
+    /// makes a shared block private first.
     void FindItemPosition(const T& item, long& first, long& last) {
         if (this->GetCount() <= 0) {
             first = last = 0;
@@ -158,7 +222,9 @@ public:
             FindRun(at, lower, upper, comp, item, first, last);
     }
 
-    // Inserts `item` after every element equal to it; returns its index.
+    /// Inserts a copy of `item` after every element equal to it and returns its
+    /// index; `item` may be an element of this array.  Announces
+    /// SCC_ArrayInserted.  O(n) for the move.
     long InsertSorted(const T& item) {
         T value(item); // `item` may live in the block that Insert moves
         long first = 0;
@@ -169,9 +235,10 @@ public:
         return last;
     }
 
-    // Looks for an element identical to `item` (T's ==) in its equal run.
-    // Returns 1 with its index in `position`; else 0 with `position` at the
-    // end of the run.
+    /// Looks for an element identical to `item` (T's ==: the same value for
+    /// numbers, the same object for shared pointers) in its equal run.
+    /// Returns 1 with its index in `position`; else 0 with `position` at the
+    /// end of the run (where InsertSorted would put it).
     int Find(const T& item, long& position) {
         long first = 0;
         long last = 0;
@@ -319,7 +386,8 @@ private:
     virtual int CompItems(const T& a, const T& b) { return Directed(Compare(a, b)); }
 
 public:
-    // The comparison in force (one reference held).
+    /// The comparison in force (one reference held); null only after
+    /// SetSort(nullptr) or when memory was short.
     SCC_SharedPointer<SCC_Sort<T>> m_Sort;
 };
 
