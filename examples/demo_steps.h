@@ -7,7 +7,10 @@
 //     }
 // and keel-demo runs the steps in the order of their numbers, titling them
 // 1, 2, 3... in that order.  The numbers leave gaps so that a new family can
-// slot in between: strings 10, assertions 20, arrays 30, geometry 60.
+// slot in between: strings 10, assertions 20, arrays 30, geometry 60.  On
+// the command line a step is chosen by that 1, 2, 3... or by its name, the
+// first word of its title in lower case ("keel-demo strings"); so begin
+// each title with a word of its own.
 //
 // Every line a step prints should say what it shows: name codes and types
 // instead of printing raw numbers, and print lengths and angles through the
