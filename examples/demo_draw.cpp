@@ -63,8 +63,10 @@ void DrawBoard(RasterArea& area) {
 KEEL_DEMO_STEP(90, "Drawing: rubber-band feedback recorded and replayed in XOR") {
     DemoIntro("A tool shows feedback (here a selection box dragged across a board) by drawing it "
               "into a CDynamic. The recorder keeps the operations as coded 32-bit records and "
-              "replays them into the real draw area in exclusive-or pen mode, so the same replay "
-              "both shows and erases the feedback and the board underneath never needs redrawing. "
+              "replays them into the real draw area. The box and the oval used here replay in "
+              "exclusive-or, so the same replay both shows and erases the feedback and the board "
+              "underneath never needs redrawing (the Fast... operations replay in the area's own "
+              "pen mode instead). "
               "The draw area is a host class; this one paints into a bitmap and writes PNG.");
 
     const std::string dir = FrameDirectory();
