@@ -13,14 +13,15 @@
 /// the identity), precision 1 and no name.
 ///
 /// Parsers return 1 on success and 0 on failure and take the whole text: a
-/// trailing blank fails, an empty (or null) text is 0.  User2Base rounds
+/// trailing blank fails, an empty (or null) text is 0.  Numbers are decimal
+/// only: hexadecimal, infinity and NaN texts fail.  User2Base rounds
 /// half away from zero and answers the overflow marker SYS_CONVERT_OVERFLOW
 /// when the value does not fit; Str2Angle truncates instead.  Coordinates and
 /// angles are 32-bit quantities: a `long` argument keeps its low 32 bits.
 ///
 /// Costs: a conversion is a multiplication or division; formatting and
-/// parsing are one `snprintf` or `strtod`; nothing allocates except the
-/// SYS_StringBase results.
+/// parsing are one `snprintf` or `strtod` (after a scan of the text);
+/// nothing allocates except the SYS_StringBase results.
 #ifndef SYS_CONVERT_H
 #define SYS_CONVERT_H
 
@@ -163,11 +164,15 @@ public:
     double Base2User(double b) const;
     ///@}
 
-    /// The whole of `s` as a number, as the C library's `strtod` reads it
-    /// (leading white space, a sign, decimal or exponent form).  0 when
-    /// characters are left over or the value is too large or too small for a
-    /// double ("1e400", "1e-400").  `*d` is written in every case, with what
-    /// was read.
+    /// The whole of `s` as a decimal number: leading white space, an optional
+    /// sign, digits with an optional decimal point (".5" and "5." count) and
+    /// an optional exponent ("-2e3", "1.5E-2").  0 when characters are left
+    /// over (a trailing blank, "1e"), for the other forms the C library reads
+    /// ("0x10", "0x1p-2", "inf", "nan", which are refused, not converted), or
+    /// when the value is too large or too small for a double ("1e400",
+    /// "1e-400").  An empty text is 0 with success; a blank one fails.  `*d`
+    /// is written in every case, with the decimal number that starts the
+    /// text, or 0 when none does ("12x" gives 12, "0x10" and "inf" give 0).
     static int Str2Double(const char* s, double* d);
     /// The whole of `s` as a base-10 integer; `*l` is written in every case,
     /// and a value beyond 32 bits fails with the nearest 32-bit limit.

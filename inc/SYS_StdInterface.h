@@ -14,8 +14,9 @@
 /// into trees: `a & b` builds a filter that tests b, then a, and ANDs the two
 /// results bitwise (so predicates should answer 0 or 1: 2 & 1 is 0); `!a` is
 /// true where a gives 0 or less.  Both operands are always evaluated.  The
-/// combined filter belongs to its left operand (a) and lives as long as a does,
-/// even after a later combination on a has replaced it in `a.owned`.
+/// combined filter belongs to its left operand (a): a holds it in `a.owned`
+/// and frees it when a goes.  A later combination on a replaces it there and
+/// keeps it alive in turn, so it too lives as long as a does.
 ///
 /// Costs: a walk step or a filter test is one virtual call per filter in the
 /// tree; combining allocates one filter.
@@ -94,9 +95,15 @@ public:
     const SYS_Filter* left;
     /// Second operand of a combined filter; null for a negation.
     const SYS_Filter* right;
-    /// The filter that the last combining operator built on this one, owned by
-    /// this filter and freed with it.  A copy shows its source's value here
-    /// but owns nothing.
+    /// What this filter owns and frees when it goes: the filter that the last
+    /// combining operator built on this one, with the ones it replaced (each
+    /// combination keeps the one it replaced alive).  The field is the
+    /// ownership: set it to null to take the combination over (this filter
+    /// then frees none of it, and you free it as below), or store a filter of
+    /// your own allocated with `new SYS_Filter` (exactly that class, not a
+    /// subclass) for this filter to free.  Whatever you overwrite here is
+    /// yours from then on.  A copy shows its source's value here without
+    /// owning it.
     SYS_Filter* owned;
 
     /// All fields null: false for every handle.
@@ -104,13 +111,19 @@ public:
     /// Stores the operands (as pointers; the caller keeps them alive) and the
     /// test; `owned` null.
     SYS_Filter(const SYS_Filter* left, const SYS_Filter* right, Function function);
-    /// Copies all four fields, owned included; the copy owns nothing, so its
-    /// `owned` dangles once the source is destroyed.
+    /// Copies all four fields, owned included; the copy does not own the
+    /// filter it shows there (its `owned` dangles once the source is
+    /// destroyed), but frees what its own combinations, or you, store in its
+    /// `owned` afterwards.
     SYS_Filter(const SYS_Filter& other);
     /// Copies function, left and right; owned and what this filter owns stay.
     SYS_Filter& operator=(const SYS_Filter& other);
-    /// Deletes every filter this one built, owned and the ones it replaced.
-    /// Not virtual: a filter is never deleted through a base pointer.
+    /// Frees what `owned` holds (unless this is a copy still showing its
+    /// source's), and with it every combination it kept alive, however long
+    /// the chain.  Not virtual: a filter is never deleted through a base
+    /// pointer.  Compilers warn on a plain `delete` of this polymorphic class;
+    /// a filter you took over is freed quietly with
+    /// `f->SYS_Filter::~SYS_Filter(); ::operator delete(f);`.
     ~SYS_Filter();
 
     /// Whether `handle` passes: 0 without a function, else
@@ -136,10 +149,12 @@ public:
 
     /// Build a filter (this & other, this | other, !this) that points at its
     /// operands, store it in owned and return it.  The result belongs to this
-    /// filter: do not delete it; it is freed with this filter, even after a
-    /// later combination replaced it in owned.  `other` is not copied and
+    /// filter: do not delete it; it is freed with this filter.  What owned
+    /// held before (when this filter owned it) now belongs to the result, so
+    /// it stays alive as long as the result does.  `other` is not copied and
     /// must outlive the result.  Throws std::bad_alloc, with owned null, when
-    /// no memory can be had.
+    /// no memory can be had; what owned held is then no longer freed by this
+    /// filter.
     SYS_Filter& operator&(const SYS_Filter& other);
     SYS_Filter& operator|(const SYS_Filter& other);
     SYS_Filter& operator!();
@@ -148,7 +163,9 @@ public:
 private:
     SYS_Filter& Combine(const SYS_Filter* right, Function function);
 
-    // Every filter built by this one's operators, owned last; freed with it.
+    // At most two pointers: the combination this one keeps alive (the one it
+    // replaced in its builder's owned), and in a copy the owned it was copied
+    // with, which it does not own.
     std::vector<SYS_Filter*> m_Built;
 };
 

@@ -3,7 +3,9 @@
 #include "SYS_Resource.h"
 #include "internal/SYS_Int32.h"
 
+#include <cctype>
 #include <cerrno>
+#include <clocale>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -105,12 +107,56 @@ double SYS_Convert::Base2User(double b) const { return b / Entry(unitType).facto
 // ---------------------------------------------------------------------------
 // Parsing
 
+namespace {
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+// The end of the decimal number that `s` starts with: white space, a sign,
+// digits with a decimal point among or after them (".5" and "5." count), then
+// an exponent if one with digits follows.  `s` itself when there is none.
+// The C library's parser reads hexadecimal numbers, infinities and NaNs as
+// well; numbers typed in units are decimal, so those are refused here.
+const char* DecimalEnd(const char* s) {
+    const char point = *std::localeconv()->decimal_point; // as the parser reads it
+    const char* p = s;
+    while (std::isspace(static_cast<unsigned char>(*p))) ++p;
+    if (*p == '+' || *p == '-') ++p;
+    const char* const digits = p;
+    while (IsDigit(*p)) ++p;
+    bool any = p != digits;
+    if (*p == point) {
+        const char* const fraction = ++p;
+        while (IsDigit(*p)) ++p;
+        any = any || p != fraction;
+    }
+    if (!any) return s;
+    if (*p == 'e' || *p == 'E') {
+        const char* e = p + 1;
+        if (*e == '+' || *e == '-') ++e;
+        if (IsDigit(*e)) {
+            while (IsDigit(*e)) ++e;
+            p = e;
+        }
+    }
+    return p;
+}
+
+} // namespace
+
 int SYS_Convert::Str2Double(const char* s, double* d) {
     if (!s) s = "";
     if (errno == ERANGE) errno = 0;
+    const char* const decimal = DecimalEnd(s);
+    if (decimal == s) { // no number: an empty text is 0 and succeeds
+        *d = 0.0;
+        return *s ? 0 : 1;
+    }
     char* end = nullptr;
     *d = std::strtod(s, &end);
-    if (!TakesAll(end)) return 0;
+    // The parser went past the decimal number only into a hexadecimal one
+    // ("0x10"): what was read as a decimal is a zero of the same sign.
+    if (end > decimal) *d = std::copysign(0.0, *d);
+    if (end != decimal || !TakesAll(decimal)) return 0;
     return errno == ERANGE ? 0 : 1;
 }
 

@@ -109,9 +109,15 @@ TEST(SysConvert, User2BaseRoundsHalfAwayFromZeroAndMarksOverflow) {
 }
 
 TEST(SysConvert, Str2DoubleAndStr2LongWriteTheirResultEvenOnFailure) {
+    // Decimal numbers only: the other forms of the C library's parser fail,
+    // with the decimal number the text starts with.
     const std::tuple<const char*, int, double> doubles[] = {
-        {"1.5", 1, 1.5}, {"-2e3", 1, -2000}, {" 1", 1, 1}, {"", 1, 0},
-        {"1 ", 0, 1},    {"12x", 0, 12},     {"x", 0, 0},  {"1e400", 0, kInf}};
+        {"1.5", 1, 1.5},  {"-2e3", 1, -2000},  {" 1", 1, 1},      {"", 1, 0},
+        {".5", 1, 0.5},   {"-5.", 1, -5},      {"+1E+2", 1, 100}, {"\t\n2e-1", 1, 0.2},
+        {"1 ", 0, 1},     {"12x", 0, 12},      {"x", 0, 0},       {"1e400", 0, kInf},
+        {"1e-400", 0, 0}, {"1e", 0, 1},        {"2e+", 0, 2},     {" ", 0, 0},
+        {"-", 0, 0},      {".", 0, 0},         {"0x10", 0, 0},    {"-0X1p-2", 0, 0},
+        {"inf", 0, 0},    {"-Infinity", 0, 0}, {"nan", 0, 0},     {"nan(1)", 0, 0}};
     ExpectParses(doubles, SYS_Convert::Str2Double);
     const Case longs[] = {{"42", 1, 42}, {" -7", 1, -7}, {"", 1, 0},
                           {"5 ", 0, 5},  {"1.5", 0, 1},  {"x", 0, 0}};
@@ -126,10 +132,10 @@ TEST(SysConvert, Str2DoubleAndStr2LongWriteTheirResultEvenOnFailure) {
 
 TEST(SysConvert, Str2BaseWithinTheLimits) {
     // 1e10 mils gives the overflow marker, which lies outside the limits.
-    const Case mils[] = {{"1", 1, 19050},    {"0.5", 1, 9525},   {"-0.00002", 1, 0},
-                         {" -1", 1, -19050}, {"", 1, 0},         {"1 ", 0, kKept},
-                         {"x", 0, kKept},    {"1e10", 0, kKept}, {"nan", 0, kKept},
-                         {"1e400", 0, kKept}};
+    const Case mils[] = {{"1", 1, 19050},     {"0.5", 1, 9525},   {"-0.00002", 1, 0},
+                         {" -1", 1, -19050},  {"", 1, 0},         {"1 ", 0, kKept},
+                         {"x", 0, kKept},     {"1e10", 0, kKept}, {"nan", 0, kKept},
+                         {"1e400", 0, kKept}, {"0x10", 0, kKept}, {".5", 1, 9525}};
     ExpectParses(mils, [](const char* s, long* b) { return SYS_Convert(kMils).Str2Base(s, b); });
     const long lim = SYS_CONVERT_LIMIT;
     const Case inches[] = {
@@ -145,12 +151,15 @@ TEST(SysConvert, Str2BaseWithinTheLimits) {
 
 TEST(SysConvert, Str2MeasureAndStr2Angle) {
     const Case measures[] = {{"2", 1, 38100},        {"1e300", 1, kMark}, {"-1", 0, kKept},
-                             {"-0.00001", 0, kKept}, {"1e400", 0, kKept}, {"2 ", 0, kKept}};
+                             {"-0.00001", 0, kKept}, {"1e400", 0, kKept}, {"2 ", 0, kKept},
+                             {"inf", 0, kKept},      {"nan", 0, kKept},   {"0x2", 0, kKept}};
     ExpectParses(measures, [](const char* s, long* b) { return SYS_Convert().Str2Measure(s, b); });
     // Angles truncate toward zero where User2Base rounds.
     const Case angles[] = {{"90", 1, 162000000},      {"-90", 1, -162000000},
                            {"0.0000001", 1, 0},       {"-0.0000001", 1, 0},
-                           {"0.9999999", 1, 1799999}, {"-0.9999999", 1, -1799999}};
+                           {"0.9999999", 1, 1799999}, {"-0.9999999", 1, -1799999},
+                           {"inf", 0, kKept},         {"-nan", 0, kKept},
+                           {"0x1p-2", 0, kKept},      {".5e1", 1, 9000000}};
     ExpectParses(angles, SYS_Convert::Str2Angle);
     EXPECT_EQ(1800000, SYS_Convert(kFallback).User2Base(0.9999999 * 1800000.0));
 }
