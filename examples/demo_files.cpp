@@ -137,8 +137,9 @@ void ManyFiles(SFM& manager, const std::string& dir) {
         for (int i = 0; i < JobFiles; ++i) files[i]->Printf("j%02d.%d ", i + 1, round);
     std::printf("  write %d words to each file, one file after the other: heard %s\n", Rounds,
                 heard.Take().c_str());
-    std::printf("    each write to a closed file reopened it first (\"w\" reopens as \"a\", at its "
-                "saved\n    position) and the manager closed another one to make room\n    %s\n",
+    std::printf("    each write to a closed file reopened it first (the file as it stood, never "
+                "truncated,\n    at its saved position) and the manager closed another one to make "
+                "room\n    %s\n",
                 Held(files).c_str());
     for (auto& f : files) f->Close();
     std::printf("  close them all: heard %s\n    (a file the manager had closed is reopened "

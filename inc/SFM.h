@@ -11,8 +11,9 @@
 /// message.  When an open fails because the process has no file descriptor
 /// left, the manager temporarily closes the least recently opened open file
 /// and answers Retry without raising its event; the closed file reopens
-/// itself where it stood the next time it is used.  The manager also owns the
-/// process's message database (Initiate).
+/// itself where it stood the next time it is used, with its content kept, so
+/// that its later writes land where they would have without the closing.
+/// The manager also owns the process's message database (Initiate).
 ///
 /// Lifecycle: build one SFM before the first file (building a file without
 /// a manager is the assertion `sfm/sfmfile` 62, and that file is never

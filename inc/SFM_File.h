@@ -12,7 +12,11 @@
 ///
 /// When the process runs out of file descriptors the manager may close a file
 /// temporarily; the file then reopens itself, at the position it had, at its
-/// next use ("w" modes reopen as "a" so nothing is truncated).  A reopen that
+/// next use.  The reopen keeps the file as it stands: nothing is truncated
+/// or created, reads and writes are allowed as the mode allows them, and
+/// every write after it lands where it would have landed without the
+/// closing, also in a file written with seeks (a "w" file is not turned into
+/// an appending one; an "a" file still writes at the end).  A reopen that
 /// again finds no descriptor free has the manager close another file first,
 /// so no write is lost.  A temporarily closed file counts as open.
 ///
@@ -48,9 +52,11 @@ typedef std::shared_ptr<std::FILE*> SFM_SharedStream;
 /// the matching SFM::EventCode and stores its text in GetMsg().  Misuse
 /// (a null buffer, a closed file where a stream is needed) is an assertion
 /// of source `sfm/sfmfile`, after which the operation returns its failure
-/// value.  A temporarily closed file that cannot reopen itself is the
-/// assertion `sfm/sfmfile` 270: the operation fails, the file stays
-/// temporarily closed with its position saved and the next use tries again.
+/// value.  A temporarily closed file that cannot reopen itself (no
+/// descriptor to be had, or the file was removed meanwhile: the reopen does
+/// not create it again) is the assertion `sfm/sfmfile` 270: the operation
+/// fails, the file stays temporarily closed with its position saved and the
+/// next use tries again.
 ///
 /// Copying is deliberately shallow: a copy shares the source's C stream and
 /// so its position; closing one copy flushes the stream and leaves it open
@@ -97,8 +103,9 @@ public:
     const SYS_StringBase& GetName() const { return name; }
     /// The open mode last stored: the one given to the opening constructor,
     /// to SetMode or (when not empty) to Open; "" for a file never given
-    /// one.  A reopen after a temporary close, which opens a "w" mode as
-    /// "a", does not change it, nor does the measuring open of GetLength.
+    /// one.  A reopen after a temporary close (which neither truncates nor
+    /// creates, and ignores "x") does not change it, nor does the measuring
+    /// open of GetLength.
     const SYS_StringBase& GetMode() const { return mode; }
     /// The text of the last failure, as the manager stored it (the system's
     /// text or a handler's, a line break and the quoted file name); "" until
@@ -317,12 +324,15 @@ private:
     friend class SFM;
 
     void CheckLength();
+    // The mode a temporarily closed file reopens with: its own, without "x".
     SYS_StringBase GetReOpenMode();
     // Opens `openMode` into `stream`.  When the process has no descriptor
     // left the manager closes another file and the open is tried again, for
-    // as long as it finds one to close.  With `announce`, other failures
-    // raise FileOpenFailed and are retried while the answer is Retry.
-    // Returns 1 when open.
+    // as long as it finds one to close.  With `announce` (Open) the mode is
+    // the C runtime's and other failures raise FileOpenFailed and are
+    // retried while the answer is Retry.  Without it (a reopen, a measure)
+    // the existing file is opened as it stands, never truncated nor created,
+    // with the access the mode gives.  Returns 1 when open.
     int OpenStream(const SYS_StringBase& openMode, SFM_EventData& data, bool announce);
     // The stream of an open file, reopened if need be, with errno and the
     // stream's error state cleared; null, after the assertion at `line` of

@@ -122,8 +122,13 @@ public:
     /// source's), and with it every combination it kept alive, however long
     /// the chain.  Not virtual: a filter is never deleted through a base
     /// pointer.  Compilers warn on a plain `delete` of this polymorphic class;
-    /// a filter you took over is freed quietly with
-    /// `f->SYS_Filter::~SYS_Filter(); ::operator delete(f);`.
+    /// a filter you took over is freed quietly by calling its destructor
+    /// explicitly and then releasing its memory with the global operator
+    /// delete:
+    /// @code
+    /// f->SYS_Filter::~SYS_Filter();
+    /// ::operator delete(f);
+    /// @endcode
     ~SYS_Filter();
 
     /// Whether `handle` passes: 0 without a function, else

@@ -9,7 +9,10 @@
 #include <climits>
 #include <cstdarg>
 #include <cstdint>
+#include <cstring>
+#include <fcntl.h>
 #include <type_traits>
+#include <unistd.h>
 
 static_assert(SEEK_SET == SFM_File::SeekBegin && SEEK_CUR == SFM_File::SeekCurrent &&
                   SEEK_END == SFM_File::SeekEnd,
@@ -40,6 +43,43 @@ int ReleaseStream(SFM_SharedStream& stream) {
     }
     stream.reset();
     return error;
+}
+
+// Opens `fileName` for the access `openMode` asks for, keeping what the file
+// holds: unlike fopen, a "w" mode neither truncates nor creates the file, so
+// a file the manager closed for the time being comes back with its content
+// and its writes land where they would have landed.  An "a" mode still
+// writes at the end, and a mode without "+" still refuses the other
+// direction ("w" cannot read).  Null, with errno set, when the file cannot
+// be opened; a file that is gone is not created again.
+std::FILE* OpenKeeping(const char* fileName, const char* openMode) {
+    const char* end = std::strchr(openMode, ',');
+    const size_t flagsEnd = end ? static_cast<size_t>(end - openMode) : std::strlen(openMode);
+    const bool update = std::memchr(openMode, '+', flagsEnd) != nullptr;
+    int flags = update ? O_RDWR : O_WRONLY;
+    switch (openMode[0]) {
+    case 'r':
+        if (!update) flags = O_RDONLY;
+        break;
+    case 'w':
+        break;
+    case 'a':
+        flags |= O_APPEND;
+        break;
+    default:
+        errno = EINVAL;
+        return nullptr;
+    }
+    if (std::memchr(openMode, 'e', flagsEnd)) flags |= O_CLOEXEC;
+    const int fd = ::open(fileName, flags);
+    if (fd < 0) return nullptr;
+    std::FILE* fp = ::fdopen(fd, openMode);
+    if (!fp) {
+        const int error = errno;
+        ::close(fd);
+        errno = error;
+    }
+    return fp;
 }
 
 // Bit 0 becomes the top bit, and so on over the width of U.
@@ -137,7 +177,9 @@ int SFM_File::OpenStream(const SYS_StringBase& openMode, SFM_EventData& data, bo
     for (;;) {
         errno = 0;
         SFM_SharedStream opened(new std::FILE*(nullptr), CloseCell);
-        *opened = std::fopen(name, openMode);
+        // Only Open creates or truncates: a reopen or a measure takes the
+        // file as it is.
+        *opened = announce ? std::fopen(name, openMode) : OpenKeeping(name, openMode);
         if (*opened) {
             stream = opened;
             return 1;
@@ -197,9 +239,17 @@ void SFM_File::ReOpen() {
     PopPosition();
 }
 
+// The stored mode without "x": the file exists by now.  The reopen itself
+// (OpenKeeping) neither truncates nor creates, so "w" modes keep their
+// content and continue at the saved position.
 SYS_StringBase SFM_File::GetReOpenMode() {
-    SYS_StringBase reopen = mode;
-    if (!reopen.IsEmpty() && reopen.GetAt(0) == 'w') reopen.SetAt(0, 'a');
+    SYS_StringBase reopen;
+    bool options = false; // past a ',' (",ccs=..."), copied as it is
+    for (int i = 0; i < mode.GetLength(); ++i) {
+        const char c = mode.GetAt(i);
+        options = options || c == ',';
+        if (options || c != 'x') reopen += c;
+    }
     return reopen;
 }
 

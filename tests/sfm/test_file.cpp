@@ -87,6 +87,40 @@ TEST_F(FileTest, LifeEventsLinesPositionsAndLength) {
     EXPECT_EQ(mappedFile.unmapped, 1);
 }
 
+TEST_F(FileTest, LengthCacheKeptInsideDroppedAtOrPastTheEnd) {
+    // Every kind of write keeps the measured length while it ends inside the
+    // file and drops it when it reaches the end; the next GetLength measures.
+    SFM_File f(Path("len").c_str());
+    Spill(Path("len"), "0123456789");
+    EXPECT_EQ(f.GetLength(), 10); // measured while closed
+    ASSERT_EQ(f.Open("r+"), 1);
+    EXPECT_EQ(f.length, -1); // opening forgets it
+    const struct {
+        int at;
+        std::function<void(SFM_File&)> write;
+        long cached; // the cache after the write
+        long measured;
+    } cases[] = {
+        {2, [](SFM_File& g) { g.Write("abc", 3); }, 10, 10},
+        {8, [](SFM_File& g) { g.Write("ab", 2); }, -1, 10},
+        {9, [](SFM_File& g) { g.PutChar('x'); }, -1, 10},
+        {0, [](SFM_File& g) { g.PutChar('x'); }, 10, 10},
+        {9, [](SFM_File& g) { g.Printf("%d", 12); }, -1, 11},
+        {3, [](SFM_File& g) { g.Printf("%d", 12); }, 11, 11},
+        {10, [](SFM_File& g) { g.WriteLine("z"); }, -1, 12},
+        {1, [](SFM_File& g) { g.Put(7, 0); }, 12, 12},
+    };
+    for (const auto& c : cases) {
+        f.GetLength(); // measured, cached
+        f.Seek(c.at, SFM_File::SeekBegin);
+        c.write(f);
+        EXPECT_EQ(f.length, c.cached) << c.at;
+        EXPECT_EQ(f.GetLength(), c.measured) << c.at;
+    }
+    f.Close();
+    EXPECT_EQ(Slurp(Path("len")), std::string("x\x07\0\0\0", 5) + "567a1z\n");
+}
+
 TEST_F(FileTest, BinaryValuesReverseBitsNotBytes) {
     SFM_File f(Path("bin").c_str(), "w+b");
     f.Put(1, 1), f.Put(short(1), 1), f.Put(char(1), 1), f.Put(-2L, 0), f.Put(0x12345678UL, 1);
@@ -162,19 +196,61 @@ TEST_F(FileTest, FailuresRaiseEventsWithTheSystemsText) {
 }
 
 TEST_F(FileTest, TemporaryCloseAndTransparentReopen) {
-    // Files being written reopen for appending, at their position.
-    for (const char* mode : {"w", "wb", "w+"}) {
-        SFM_File f(Path(mode).c_str(), mode);
-        f.Write("ab", 2);
+    // A file comes back as it stood: content kept, at its position, reading
+    // and writing as its mode allows, "x" forgotten.  Each file is written,
+    // sent back two bytes, closed by the manager, then written and read.
+    const struct {
+        const char* mode;
+        const char* before; // the file's content before the open, null: none
+        const char* after;  // its content at the end
+        long at;            // the position after the second write
+        const char* read;   // what two bytes read at 0 give ("" when refused)
+    } cases[] = {
+        {"w", "old", "abcXYf", 5, ""},
+        {"wb", "old", "abcXYf", 5, ""},
+        {"w+", nullptr, "abcXYf", 5, "ab"},
+        {"w+b", "old", "abcXYf", 5, "ab"},
+        {"wx", nullptr, "abcXYf", 5, ""},
+        {"wbx+", nullptr, "abcXYf", 5, "ab"},
+        {"r+", "123456789", "abcXYf789", 5, "ab"},
+        {"a", "12", "12abcdefXY", 10, ""},
+        {"a+", "12", "12abcdefXY", 10, "12"},
+    };
+    for (const auto& c : cases) {
+        const std::string path = Path(std::string("m") + c.mode);
+        if (c.before) Spill(path, c.before);
+        SFM_File f(path.c_str(), c.mode);
+        f.Write("abcdef", 6);
+        f.Seek(-3, SFM_File::SeekCurrent);
         EXPECT_EQ(OutOfDescriptors(sfm), SFM::Retry);
         EXPECT_EQ(std::make_tuple(f.tempClosed, f.IsOpen(), f.GetStream()),
                   std::make_tuple(1, 1, static_cast<FILE*>(nullptr)));
-        EXPECT_EQ(f.Write("cd", 2), 1);
-        EXPECT_EQ(f.GetPosition(), 4);
+        EXPECT_EQ(f.Write("XY", 2), 1) << c.mode;
+        EXPECT_EQ(f.GetPosition(), c.at) << c.mode;
+        char two[3] = {};
+        f.Rewind();
+        f.Read(two, 2);
+        EXPECT_EQ(std::string(two), c.read) << c.mode;
+        EXPECT_EQ(Str(f.GetMode()), c.mode);
         f.Close();
-        EXPECT_EQ(Slurp(Path(mode)), "abcd") << mode;
-        EXPECT_EQ(Heard(), (Codes{Opening, Opened, Opening, Closed})); // no 201 heard
+        EXPECT_EQ(Slurp(path), c.after) << c.mode;
+        Codes heard{Opening, Opened, Opening, Closed}; // no 201 heard
+        if (!*c.read) heard.insert(heard.begin() + 3, SFM::FileReadFailed);
+        EXPECT_EQ(Heard(), heard) << c.mode;
     }
+    EXPECT_TRUE(Asserted().empty());
+
+    // A file removed meanwhile is not made again: it cannot come back.
+    SFM_File gone(Path("gone").c_str(), "w");
+    gone.Write("ab", 2);
+    OutOfDescriptors(sfm);
+    std::filesystem::remove(Path("gone"));
+    EXPECT_EQ(gone.Write("cd", 2), 0);
+    EXPECT_EQ(std::make_pair(gone.tempClosed, std::filesystem::exists(Path("gone"))),
+              std::make_pair(1, false));
+    EXPECT_EQ(Asserted(), (Texts{"sfm/sfmfile:270", "sfm/sfmfile:356"}));
+    gone.Close();
+    Asserted(), Heard();
 
     // The least recently opened open file goes first; a reader comes back
     // where it stood.

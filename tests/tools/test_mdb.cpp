@@ -8,6 +8,17 @@
 #include <cstdio>
 #include <tuple>
 
+// The sanitizers' type checks open a pipe of their own, which a process
+// with one descriptor free cannot: their builds skip the runs that leave
+// the tool just one.
+#if defined(__SANITIZE_ADDRESS__)
+#define SANITIZED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(undefined_behavior_sanitizer)
+#define SANITIZED 1
+#endif
+#endif
+
 namespace {
 
 struct Outcome {
@@ -33,10 +44,11 @@ std::vector<Section> Sections(const SFM_MessageDB& db) {
 class MdbToolTest : public SfmTest {
 protected:
     // Runs keel-mdb in the temporary directory with `args` (words without
-    // blanks or quotes).
-    Outcome Run(const std::string& args) {
+    // blanks or quotes), after the shell commands `before` (which may end in
+    // a pipe into the tool).
+    Outcome Run(const std::string& args, const std::string& before = "") {
         const std::string command =
-            "cd " + dir + " && " + KEEL_MDB + " " + args + " 2>" + Path("err");
+            "cd " + dir + " && " + before + KEEL_MDB + " " + args + " 2>" + Path("err");
         FILE* pipe = popen(command.c_str(), "r");
         std::string out;
         char buffer[4096];
@@ -82,29 +94,70 @@ TEST_F(MdbToolTest, CompiledFileReadsBackEveryKeyAndSection) {
     EXPECT_EQ(Run("section src units"), (Outcome{0, rejected + units, ""}));
 }
 
-TEST_F(MdbToolTest, SaveWritesWhatSaveWrites) {
-    Spill(Path("src"), "1:Hi\n[S]\n2:yo$\n[[x]\n");
+TEST_F(MdbToolTest, SectionListsEveryMessageOfItsHeader) {
+    // Negative numbers too; a line whose key an earlier line took reads as
+    // that line and is left out.  The binary form keeps no trace of the
+    // header a message stood under: it lists from number -1.
+    Spill(Path("src"), "1:one\n[S]\n-1:minus one\n-3:minus three\n0:zero\n-2:taken\n2:two\n"
+                       "[T]\n-1:t minus one\n1:t one\n");
+    ASSERT_EQ(Run("compile src out.mdb").status, 0);
+    const struct {
+        std::string args, out;
+    } cases[] = {
+        {"section src s", "-3:minus three\n-1:minus one\n0:zero\n2:two\n"},
+        {"section out.mdb S", "-1:minus one\n0:zero\n2:two\n"},
+        {"section src T", "-1:t minus one\n1:t one\n"},
+        {"section out.mdb t", "-1:t minus one\n1:t one\n"},
+        {"section src \"\"", "1:one\n"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(Run(c.args), (Outcome{0, c.out, ""})) << c.args;
+}
+
+TEST_F(MdbToolTest, SaveWritesWhatSaveWritesAlsoShortOfDescriptors) {
+    std::string source = "1:Hi\n[S]\n2:yo$\n[[x]\n";
+    for (int i = 3; i < 60; ++i) source += std::to_string(i) + ":text " + std::to_string(i) + "\n";
+    Spill(Path("src"), source);
     SFM_MessageDB db(Path("src").c_str(), 0);
     db.Save(Path("lib").c_str());
     EXPECT_EQ(Run("save src tool").status, 0);
-    EXPECT_EQ(Slurp(Path("tool")), Slurp(Path("lib")));
+    EXPECT_TRUE(Slurp(Path("tool")) == Slurp(Path("lib")));
+#ifdef SANITIZED
+    GTEST_SKIP() << "a sanitized tool needs more than one free descriptor";
+#endif
+    // One descriptor left to the tool: its source and its output take turns.
+    const std::string oneFree =
+        "sh -c 'exec 3<&- 4<&- 5<&- 6<&- 7<&- 8<&- 9<&-; ulimit -n 4; exec \"$0\" \"$@\"' ";
+    EXPECT_EQ(Run("save src tight", oneFree), (Outcome{0, "", ""}));
+    EXPECT_TRUE(Slurp(Path("tight")) == Slurp(Path("lib")));
 }
 
 TEST_F(MdbToolTest, UsageAndFailures) {
     Spill(Path("src"), "1:one\n[S]\n");
+    Spill(Path("wrap"), "2147483646:x\n[S]\n"); // S's base wraps to -2147483648
+    std::filesystem::create_symlink("src", Path("link"));
     std::string many;
     for (int i = 0; i <= 32767; ++i) many += std::to_string(i) + ":x\n";
     Spill(Path("many"), many);
     const std::string usage = "usage: keel-mdb compile SOURCE OUT.mdb\n";
+    const std::string tooMany = "keel-mdb: too many records for the binary form: 32768 (at most "
+                                "32767)\n";
+    const std::string pipe = ": not a seekable file (a pipe?); ";
     const struct {
         std::string args;
         int status;
-        std::string out, err; // err: its first line
+        std::string out, err; // out: a part of it; err: its first line
+        std::string before = "";
     } cases[] = {
         {"", 2, "", usage},
         {"frob src", 2, "", usage},
         {"get src", 2, "", usage},
-        {"get src 1x", 2, "", usage},
+        {"--help", 0, usage, ""},
+        {"-h", 0, usage, ""},
+        {"--help src", 2, "", usage},
+        {"get src 1x", 2, "", "keel-mdb: bad key \"1x\": a decimal 32-bit number\n"},
+        {"get src 0x10", 2, "", "keel-mdb: bad key \"0x10\": a decimal 32-bit number\n"},
+        {"get src 2147483648", 2, "",
+         "keel-mdb: bad key \"2147483648\": a decimal 32-bit number\n"},
         {"dump src extra", 2, "", usage},
         {"get src 99", 1, "", "keel-mdb: no message 99\n"},
         {"section src T", 1, "", "keel-mdb: no section \"T\"\n"},
@@ -113,15 +166,29 @@ TEST_F(MdbToolTest, UsageAndFailures) {
         {"compile src no/x.mdb", 1, "",
          "keel-mdb: Can't open no/x.mdb: No such file or directory\n"},
         {"save src /dev/full", 1, "", "keel-mdb: Can't close /dev/full: No space left on device\n"},
-        {"compile many m.mdb", 1, "",
-         "keel-mdb: too many records for the binary form: 32768 (at most 32767)\n"},
+        {"compile many m.mdb", 1, "", tooMany},
+        {"save many m.out", 1, "", tooMany},
+        {"save src src", 1, "",
+         "keel-mdb: src and src are the same file; writing would "
+         "destroy the input\n"},
+        {"compile link ./src", 1, "",
+         "keel-mdb: link and ./src are the same file; writing would "
+         "destroy the input\n"},
+        {"dump /dev/stdin", 1, "",
+         "keel-mdb: /dev/stdin" + pipe + "the database is read on demand, with seeks\n",
+         "echo 1:x | "},
+        {"save src /dev/stdout", 1, "",
+         "keel-mdb: /dev/stdout" + pipe + "save writes with seeks\n"},
         {"dump src", 0, "sections (2):\n  \"\" key -1, base 0, numbers up to 1\n", ""},
+        {"dump wrap", 0, "\"S\" key 2147483647, base -2147483648, numbers up to 0\n", ""},
     };
     for (const auto& c : cases) {
-        const Outcome got = Run(c.args);
+        const Outcome got = Run(c.args, c.before);
         EXPECT_EQ(got.status, c.status) << c.args;
-        EXPECT_EQ(got.out.substr(0, c.out.size()), c.out) << c.args;
+        EXPECT_NE(got.out.find(c.out), std::string::npos) << c.args << ": " << got.out;
         EXPECT_EQ(got.err.substr(0, got.err.find('\n') + 1), c.err) << c.args;
     }
     EXPECT_FALSE(std::filesystem::exists(Path("m.mdb")));
+    EXPECT_FALSE(std::filesystem::exists(Path("m.out")));
+    EXPECT_EQ(Slurp(Path("src")), "1:one\n[S]\n");
 }

@@ -25,6 +25,14 @@ struct Record {
 
 } // namespace
 
+bool MdbFits(size_t records, std::string& error) {
+    error.clear();
+    if (records <= static_cast<size_t>(MdbMaxRecords)) return true;
+    error = "too many records for the binary form: " + std::to_string(records) + " (at most " +
+            std::to_string(MdbMaxRecords) + ")";
+    return false;
+}
+
 bool MdbCompile(SFM_MessageDB& db, const char* path, bool textSource, std::string& error) {
     std::vector<Record> records;
     if (db.keys) {
@@ -40,12 +48,7 @@ bool MdbCompile(SFM_MessageDB& db, const char* path, bool textSource, std::strin
     if (textSource && node != db.sections.end()) ++node; // the unnamed section
     for (; node != db.sections.end(); ++node)
         records.push_back({1, (*node)->key, (*node)->maxKey, (*node)->name.GetString()});
-    if (static_cast<long>(records.size()) > MdbMaxRecords) {
-        error = "too many records for the binary form: " + std::to_string(records.size()) +
-                " (at most " + std::to_string(MdbMaxRecords) + ")";
-        return false;
-    }
-    error.clear();
+    if (!MdbFits(records.size(), error)) return false;
 
     SFM_File out(path);
     if (!out.Open("wb")) return false;

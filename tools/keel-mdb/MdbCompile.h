@@ -25,8 +25,12 @@
 
 #include <string>
 
-// The layout's record counts are signed 16-bit fields.
+// The layout's record counts are signed 16-bit fields, in both binary
+// layouts (the loader's and Save's).
 const long MdbMaxRecords = 32767;
+
+// False, with the message in `error`, when `records` exceed MdbMaxRecords.
+bool MdbFits(size_t records, std::string& error);
 
 // Writes `db` to `path`.  `textSource`: the database was read from a text
 // source, whose first section is the unnamed one.  Returns false when the
