@@ -1,7 +1,16 @@
-// Standard collection benchmarks: the two costs a host feels when its
-// objects change under a live view, on collections of 1e3, 1e4 and 1e5
-// handles, beside a sorted std::vector<int> doing the same work.
+// Standard collection benchmarks: the costs a host feels when its objects
+// change under a live view, on collections of 1e4, 1e5 and 1e6 handles,
+// beside the standard library doing the same work.
 //
+//   - building a collection and reloading it, the host walking its objects
+//     in an order unrelated to the sort: the collection sorts the handles it
+//     walked (stably) and sorts the list once more, as its rebuild does;
+//     the peer is two std::stable_sort runs of the same handles with the
+//     same comparison.
+//   - a reload that changes the list (a filter that lets one object through
+//     every other time) with every item focused, beside the same with none
+//     focused: the focus set is rebuilt from the focused handles still
+//     listed.
 //   - one change notification (code 3) that moves an item to another place
 //     in the order: the collection scans for the handle, announces 2 and 1,
 //     moves one block out and one block in, and re-hooks the item's event;
@@ -36,6 +45,15 @@ struct Store {
         }
     }
     int Count() const { return static_cast<int>(width.size()) - 1; }
+    // The handles in the order the host walks them: 1..n, or shuffled.
+    std::vector<int> walk;
+    void Shuffle() {
+        walk.clear();
+        for (int h = 1; h <= Count(); ++h) walk.push_back(h);
+        const std::vector<int> r = RandomInts(Count(), 11);
+        for (size_t i = walk.size(); i-- > 1;)
+            std::swap(walk[i], walk[static_cast<size_t>(r[i]) % (i + 1)]);
+    }
     bool Less(int a, int b) const { return width[a] != width[b] ? width[a] < width[b] : a < b; }
 };
 
@@ -59,8 +77,15 @@ public:
 protected:
     int _GetSlider() override { return slider; }
     void _SetSlider(int h) override { slider = h; }
-    int _GetFirst() override { return slider = store->Count() > 0 ? 1 : 0; }
-    int _GetNext() override { return slider = slider < store->Count() ? slider + 1 : 0; }
+    int _GetFirst() override {
+        step = 0;
+        return slider = store->Count() > 0 ? At(0) : 0;
+    }
+    int _GetNext() override { return slider = step + 1 < store->Count() ? At(++step) : 0; }
+    int At(int i) const {
+        return store->walk.empty() ? i + 1 : store->walk[static_cast<size_t>(i)];
+    }
+    int step = 0;
 
 public:
     SCC_Notifier* GetEvent() override {
@@ -131,16 +156,79 @@ void VectorReload(benchmark::State& state) {
     PerItem(state, state.range(0));
 }
 
+void KeelLoadReload(benchmark::State& state) {
+    Store store(state.range(0));
+    store.Shuffle();
+    for (auto _ : state) {
+        std::unique_ptr<StoreCollection> c = Collection(&store);
+        c->Reload();
+        state.PauseTiming();
+        c.reset();
+        state.ResumeTiming();
+    }
+    PerItem(state, state.range(0));
+}
+
+void StableSortTwice(benchmark::State& state) {
+    Store store(state.range(0));
+    store.Shuffle();
+    ByWidth sort(&store);
+    auto less = [&sort](int a, int b) { return sort.Compare(a, b) < 0; };
+    std::vector<int> items;
+    for (auto _ : state) {
+        for (int pass = 0; pass < 2; ++pass) {
+            items = store.walk;
+            std::stable_sort(items.begin(), items.end(), less);
+            benchmark::DoNotOptimize(items.data());
+        }
+    }
+    PerItem(state, state.range(0));
+}
+
+// Lets every object through but one, which passes every other time.
+class AllButOneSometimes : public SYS_Filter {
+public:
+    int IsTrue(int handle) const override { return handle != kMoved || pass; }
+    int pass = 0;
+};
+
+void ReloadChanged(benchmark::State& state, bool focused) {
+    Store store(state.range(0));
+    store.Shuffle();
+    std::unique_ptr<StoreCollection> c = Collection(&store);
+    if (focused)
+        for (int h = 1; h <= store.Count(); ++h) c->SetFocus(h, true);
+    AllButOneSometimes filter;
+    for (auto _ : state) {
+        filter.pass = !filter.pass;
+        c->SetFilter(&filter); // reloads
+    }
+    if (focused && c->m_Focus.GetCount() < store.Count() - 1) state.SkipWithError("focus lost");
+    PerItem(state, state.range(0));
+}
+void KeelReloadFocused(benchmark::State& state) { ReloadChanged(state, true); }
+void KeelReloadUnfocused(benchmark::State& state) { ReloadChanged(state, false); }
+
 const bool registered = [] {
     Pair("collection", "change-move")
         .Keel(KeelChange, "code 3 moving one item end to end, per notification")
-        .Peer("std", VectorChange, "sorted std::vector: find, erase, insert at upper_bound")
+        .Peer("std", VectorChange, "sorted std::vector: find, erase, insert at upper_bound", 2)
         .With([](benchmark::internal::Benchmark* b) { b->Unit(benchmark::kMicrosecond); })
-        .Register({1000, 10000, 100000});
+        .Register({10000, 100000, 1000000});
+    Pair("collection", "load-reload")
+        .Keel(KeelLoadReload, "build (AllowReload) and Reload, host walk shuffled, per handle")
+        .Peer("std", StableSortTwice, "std::stable_sort of the same handles twice, per handle", 5)
+        .With([](benchmark::internal::Benchmark* b) { b->Unit(benchmark::kMillisecond); })
+        .Register({10000, 100000, 1000000});
+    Pair("collection", "reload-focused")
+        .Keel(KeelReloadFocused, "Reload that changes the list, every item focused, per handle")
+        .Peer("unfocused", KeelReloadUnfocused, "the same Reload with nothing focused", 1.5)
+        .With([](benchmark::internal::Benchmark* b) { b->Unit(benchmark::kMillisecond); })
+        .Register({10000, 100000, 1000000});
     Pair("collection", "reload")
         .Keel(KeelReload, "Reload of an unchanged host, per handle")
         .Peer("std", VectorReload, "walk into std::vector, std::sort, compare, per handle")
-        .Register({1000, 10000, 100000});
+        .Register({10000, 100000, 1000000});
     return true;
 }();
 

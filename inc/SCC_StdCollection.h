@@ -27,12 +27,22 @@
 /// IsEmpty reports whether there is a current item, not whether there are
 /// items; SetSort with `descending` set still keeps the ascending order.
 ///
-/// Costs: items are found by a linear scan (the list is ordered by the
-/// comparison, not by handle); the focus set is sorted by handle and searched
-/// by binary search.  A change of one object costs one scan, one search and
-/// one block move; Reload walks every host object and rebuilds the list, so
-/// hosts switch it off (AllowReload(0)) during large changes.  Every event
-/// the items raise is listened to by one hook, stored in place in a map.
+/// Costs, for n items and f focused handles: the list is ordered by the
+/// comparison, not by handle, so the collection keeps an index from handle
+/// to position beside it; finding a handle (SetSlider, SetFocus,
+/// GetPositionByHandle, every notification) costs O(log n).  While the list
+/// holds a handle twice (announced twice, or renumbered into another), the
+/// index stands aside and a linear scan finds the first position, until the
+/// next rebuild.  The focus set is sorted by handle and searched by binary
+/// search.  A change of one object costs one look-up, one equal-run search
+/// and one block move.  Reload walks every host object and sorts what it
+/// walked, O(n log n) comparisons whatever the order of the walk, and
+/// rebuilds the focus set in O(f + n); still, hosts switch it off
+/// (AllowReload(0)) during large changes, as each change would rebuild.
+/// Every event the items raise is listened to by one hook, stored in place
+/// in a map.  Change m_Items only through the collection: an index that no
+/// longer matches the list's shape is set aside (scans again), but one
+/// element overwritten in place is not noticed.
 #ifndef SCC_STDCOLLECTION_H
 #define SCC_STDCOLLECTION_H
 
@@ -99,10 +109,9 @@ inline int SCC_DataToHandle(const int* data) {
 /// so until then the list is empty.  Listeners attach to GetChangeEvent().
 ///
 /// The list is ordered by the collection's comparison (ascending handle
-/// numbers by default), searched by linear scan; the focus set is ordered by
-/// handle.  Every notification the collection handles leaves it without a
-/// current position and with the host slider at 0: walk again with
-/// GetFirst() afterwards.
+/// numbers by default), with an index from handle to position beside it;
+/// the focus set is ordered by handle.  Every notification the collection handles leaves it without
+/// a current position and with the host slider at 0: walk again with GetFirst() afterwards.
 class KEEL_API SCC_StdCollection : public SCC_EventNode<int> {
 public:
     /// A cursor into the item list that follows its item through insertions
@@ -190,8 +199,8 @@ public:
     ///
     /// Listeners hear the code with the same data pointer, the host slider on
     /// the handle.  Afterwards there is deliberately no current position and
-    /// the host slider is 0.  Cost: a linear scan, plus for an addition or a
-    /// move a binary search and a block move.
+    /// the host slider is 0.  Cost: a look-up (O(log n)), plus for an
+    /// addition or a move an equal-run search and a block move.
     int OnNotification(int code, int* data) override;
 
 protected:
@@ -204,8 +213,13 @@ protected:
     /// once, in order, and listens to its event; a parent's slider is kept.
     /// Only when the list differs from before are the focused handles no
     /// longer listed dropped and SCC_CollectionReload raised with null data.
-    /// Cost: O(n log n) comparisons, the block moves of n insertions and one
-    /// scan per focused handle.
+    /// The list comes out as inserting each walked handle after the items
+    /// equal to it would make it (unless its equal run already holds it):
+    /// ordered by the comparison, equal handles in the order walked, each
+    /// handle once; then sorted once more.  Cost: O(n log n) comparisons
+    /// whatever the order of the walk, and O(f + n) to rebuild the focus set
+    /// (O(f log n) when handles are spread over a range far wider than n).
+    /// The comparison must be an order while the list is rebuilt.
     virtual void Reload();
     /// The handle of the host's current object (its slider), 0 for none.  The
     /// base returns 0.
@@ -327,7 +341,7 @@ public:
     /// with it, the host slider on it during the call; afterwards the slider
     /// is put back and there is no current position.  A handle that is 0 or
     /// not listed clears the whole focus, even with `add` true.  Cost: a
-    /// linear scan and a binary search.
+    /// look-up (O(log n)), a binary search and a block move of the focus set.
     virtual void SetFocus(int handle, bool add);
     /// Whether `handle` is focused (binary search); `position`, when not
     /// null, receives its index in the focus set, or where it would go.
@@ -335,8 +349,8 @@ public:
     /// The host's current object (_GetSlider()); during a walk with GetFirst
     /// and GetNext, the current item's handle.
     virtual int GetSlider();
-    /// Makes `handle` current: the position goes to its index (linear scan)
-    /// and the host slider to it.  0, or a handle not listed, leaves no
+    /// Makes `handle` current: the position goes to its first index (a
+    /// look-up, O(log n)) and the host slider to it.  0, or a handle not listed, leaves no
     /// current position and the host slider at 0.
     virtual void SetSlider(int handle);
     /// The index of the current position, unchecked: 0x7FFFFFFF when there
@@ -349,7 +363,8 @@ public:
     virtual void SetPosition(long position);
     /// The handle at index `position`, or 0 when it is out of bounds.
     virtual int GetAt(long position);
-    /// The index of `handle` (linear scan), or -1 when it is not listed or 0.
+    /// The first index of `handle` (a look-up, O(log n)), or -1 when it is
+    /// not listed or 0.
     virtual long GetPositionByHandle(int handle);
     /// The value stored for `handle` with SetHandleData, or 0.
     virtual int GetHandleData(int handle);
@@ -447,11 +462,13 @@ public:
     SCC_ObjectEventHook<SCC_StdCollection, int> m_ParentHook;
 
 private:
-    // Counts the removals from m_Hooks, so that a cached hook is dropped
-    // when a host callback removed hooks in the middle of a reload.
+    // Counts the removals from m_Hooks.  Reload no longer reuses a hook
+    // from one object to the next, so nothing reads it; it stays because
+    // the class layout is part of the binary interface.
     unsigned m_HooksRemoved = 0;
 
-    // The index of `handle` in m_Items by linear scan, or -1.
+    // The first index of `handle` in m_Items, or -1: through the handle
+    // index, or by linear scan when the index cannot answer.
     long FindItem(int handle) const;
     // Whether m_Current stands on an element of m_Items.
     bool CurrentValid() const;

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <functional>
 #include <random>
+#include <set>
 #include <sstream>
 #include <string>
 
@@ -520,6 +521,150 @@ TEST(CollectionReference, LongRunsOfSingleObjectChangesAgree) {
                                      kFocus, kFocus, kSuspend, kData,   kWalk,   kDirect};
     const std::string diff = RunSequences(7u, 40, 150, kinds);
     EXPECT_TRUE(diff.empty()) << diff;
+}
+
+// Larger lists, where the collection no longer inserts one handle at a time
+// nor scans for handles: hundreds of objects with few distinct widths (long
+// equal runs), walked in handle order (unrelated to the sort), numbered
+// densely or spread over a wide range, through reloads after silent key
+// changes, moves, duplicate announcements, deletions, renumbering and focus.
+template <class Coll> struct LargeWorld {
+    BoardStore store;
+    std::unique_ptr<Coll> c;
+    std::ostringstream log;
+    SCC_ObjectEventHook<LargeWorld, int> hook;
+    std::vector<std::unique_ptr<BoardObject>> gone; // kept so hooks stay valid
+
+    explicit LargeWorld(const std::vector<std::pair<int, int>>& objects) {
+        for (const auto& o : objects) store.Put(o.first, "", o.second);
+        c.reset(new Coll(&store, nullptr));
+        c->eventOf = [this](int h) {
+            BoardObject* o = store.Find(h);
+            return o ? &o->event : nullptr;
+        };
+        c->heard = [] {};
+        hook.SetObject(this);
+        hook.SetMethod(&LargeWorld::On);
+        hook.Attach(c->GetChangeEvent());
+        ApplySort(*c, 0, 0);
+        c->AllowReload(1);
+    }
+    int On(int code, int* data) {
+        log << code << ':' << SCC_DataToHandle(data) << ' ';
+        return 0;
+    }
+    std::string Snapshot(const std::vector<int>& handles) {
+        std::ostringstream out;
+        out << "heard " << log.str() << "\nitems";
+        log.str("");
+        for (long i = 0; i < ItemCount(*c); ++i) out << ' ' << c->GetAt(i);
+        out << "\nfocus";
+        for (long i = 0; i < FocusCount(*c); ++i) out << ' ' << c->GetFocus(i);
+        out << "\nat";
+        for (int h : handles) out << ' ' << c->GetPositionByHandle(h);
+        out << "\nhooks " << c->m_Hooks.size() << " temp " << c->m_HasTempItems << '\n';
+        return out.str();
+    }
+};
+
+std::string RunLarge(unsigned seed, int objects, int spread, int steps) {
+    std::mt19937 rng(seed);
+    auto pick = [&rng](int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); };
+    std::vector<int> pool; // every handle the run uses, present or not
+    std::set<int> used;
+    while (static_cast<int>(pool.size()) < objects * 2) {
+        const int h = 1 + pick(spread);
+        if (used.insert(h).second) pool.push_back(h);
+    }
+    std::vector<std::pair<int, int>> initial;
+    for (int i = 0; i < objects; ++i) initial.emplace_back(pool[i], pick(4));
+    LargeWorld<HostCollection> lib(initial);
+    LargeWorld<reference::Collection> ref(initial);
+    std::string history;
+    for (int step = 0; step <= steps; ++step) {
+        const std::string got = lib.Snapshot(pool), want = ref.Snapshot(pool);
+        if (got != want)
+            return "seed " + std::to_string(seed) + " step " + std::to_string(step) + "\n" +
+                   history + "library:\n" + got + "reference:\n" + want;
+        if (step == steps) break;
+        std::vector<int> present;
+        for (auto& o : lib.store.objects) present.push_back(o.first);
+        const int h = pool[pick(static_cast<int>(pool.size()))];
+        const int p = present.empty() ? 0 : present[pick(static_cast<int>(present.size()))];
+        const int kind = pick(20), width = pick(4);
+        history += "  " + std::to_string(kind) + " h=" + std::to_string(h) +
+                   " p=" + std::to_string(p) + " w=" + std::to_string(width) + "\n";
+        auto both = [&](const std::function<void(BoardStore&, BoardCollection*,
+                                                 reference::Collection*)>& f) {
+            f(lib.store, lib.c.get(), nullptr);
+            f(ref.store, nullptr, ref.c.get());
+        };
+        auto bury = [&](BoardStore& s, int x) {
+            (&s == &lib.store ? lib.gone : ref.gone).push_back(std::move(s.objects[x]));
+            s.objects.erase(x);
+        };
+        if (kind < 3) { // a new object, announced
+            if (lib.store.Find(h)) continue;
+            both([&](BoardStore& s, BoardCollection*, reference::Collection*) {
+                s.Put(h, "", width);
+                s.changes.Notify(SCC_ObjectAdded, SCC_HandleToData(h));
+            });
+        } else if (kind < 9 && p) { // a new width, announced: moves across the list
+            both([&](BoardStore& s, BoardCollection*, reference::Collection*) {
+                s.Find(p)->width = kind < 7 ? width : (s.Find(p)->width + 1) % 4;
+                s.Tell(p, SCC_ObjectChanged);
+            });
+        } else if (kind < 10 && p) { // announced twice: listed twice
+            both([&](BoardStore& s, BoardCollection*, reference::Collection*) {
+                s.changes.Notify(SCC_ObjectAdded, SCC_HandleToData(p));
+            });
+        } else if (kind < 12 && p) { // deleted, announced, gone
+            both([&](BoardStore& s, BoardCollection*, reference::Collection*) {
+                s.Tell(p, SCC_ObjectDeleted);
+                bury(s, p);
+            });
+        } else if (kind < 15 && p) { // focus, mostly added
+            const bool add = pick(6) != 0;
+            both([&](BoardStore&, BoardCollection* l, reference::Collection* r) {
+                if (l) l->SetFocus(p, add);
+                if (r) r->SetFocus(p, add);
+            });
+        } else if (kind < 17) { // silent key changes, then a reload request
+            std::vector<int> changed;
+            for (int i = 0; i < 1 + pick(40) && !present.empty(); ++i)
+                changed.push_back(present[pick(static_cast<int>(present.size()))]);
+            both([&](BoardStore& s, BoardCollection*, reference::Collection*) {
+                for (int x : changed) s.Find(x)->width = (s.Find(x)->width + 3) % 4;
+                s.changes.Notify(SCC_CollectionReload, nullptr);
+            });
+        } else if (kind < 18 && p && !lib.store.Find(h)) { // renumbered to a free handle
+            both([&](BoardStore& s, BoardCollection* l, reference::Collection* r) {
+                s.objects[h] = std::move(s.objects[p]);
+                s.objects.erase(p);
+                if (l) l->renumber = {{p, h}};
+                if (r) r->renumber = {{p, h}};
+                s.changes.Notify(SCC_HandlesUpdated, nullptr);
+            });
+        } else if (kind < 20 && p) { // redrawn: nothing moves
+            both([&](BoardStore& s, BoardCollection*, reference::Collection*) {
+                s.Tell(p, SCC_ObjectRedrawn);
+            });
+        }
+    }
+    return "";
+}
+
+TEST(CollectionReference, LargeListsAgreeDenseAndSpreadHandles) {
+    // Dense handles index by table, spread ones by hash; both rebuild their
+    // index after enough moves, and drop it while a handle is listed twice.
+    const struct {
+        int objects, spread, steps;
+    } cases[] = {{300, 700, 400}, {300, 1000000, 400}, {2000, 4100, 150}};
+    unsigned seed = 11;
+    for (const auto& k : cases) {
+        const std::string diff = RunLarge(seed++, k.objects, k.spread, k.steps);
+        EXPECT_TRUE(diff.empty()) << diff;
+    }
 }
 
 } // namespace
