@@ -1,7 +1,12 @@
 // Pattern benchmarks: every match of a search in 2 MB of netlist-like text,
-// with SYS_StrPattern beside std::regex and PCRE2 (when it was found).  Each
-// search is written in each language so that all three find the same
-// matches; a count that differs stops the benchmark with an error.
+// with SYS_StrPattern beside std::regex and PCRE2 (when it was found; both
+// its interpreter and its JIT).  Each search is written in each language so
+// that all the engines find the same matches; a count that differs stops the
+// benchmark with an error.
+//
+// Then adversarial searches: patterns that make a backtracking matcher
+// explode, against texts of the letter a that cannot match them, at 256 KB,
+// 1 MB and 4 MB.  keel's time must grow linearly with the text.
 #include "keel_bench.h"
 
 #include <keel/SYS_CodePage.h>
@@ -84,13 +89,14 @@ long RegexCount(const std::regex& re, const std::string& text) {
 }
 
 #if KEEL_BENCH_PCRE2
+// A compiled PCRE2 pattern, run by its JIT or by its interpreter.
 struct Pcre2 {
-    explicit Pcre2(const char* pattern) {
+    Pcre2(const char* pattern, bool jit, uint32_t options = 0) {
         int error;
         PCRE2_SIZE offset;
-        code = pcre2_compile(reinterpret_cast<PCRE2_SPTR>(pattern), PCRE2_ZERO_TERMINATED, 0,
+        code = pcre2_compile(reinterpret_cast<PCRE2_SPTR>(pattern), PCRE2_ZERO_TERMINATED, options,
                              &error, &offset, nullptr);
-        if (code) pcre2_jit_compile(code, PCRE2_JIT_COMPLETE);
+        if (code && jit) pcre2_jit_compile(code, PCRE2_JIT_COMPLETE);
         data = pcre2_match_data_create_from_pattern(code, nullptr);
     }
     ~Pcre2() {
@@ -141,8 +147,8 @@ template <int I> void RegexSearch(benchmark::State& state) {
 }
 
 #if KEEL_BENCH_PCRE2
-template <int I> void PcreSearch(benchmark::State& state) {
-    const Pcre2 re(kSearches[I].ecma);
+template <int I, bool Jit> void PcreSearch(benchmark::State& state) {
+    const Pcre2 re(kSearches[I].ecma, Jit);
     long count = 0;
     for (auto _ : state) benchmark::DoNotOptimize(count = re.Count(Netlist()));
     Finish(state, I, count);
@@ -154,7 +160,8 @@ template <int I> bool RegisterSearch() {
     pair.Keel(KeelSearch<I>, kSearches[I].what)
         .Peer("std-regex", RegexSearch<I>, "std::regex, sregex_iterator", 1.0);
 #if KEEL_BENCH_PCRE2
-    pair.Peer("pcre2", PcreSearch<I>, "PCRE2 with JIT, pcre2_match loop");
+    pair.Peer("pcre2-interp", PcreSearch<I, false>, "PCRE2 interpreter, pcre2_match loop", 1.0)
+        .Peer("pcre2", PcreSearch<I, true>, "PCRE2 with JIT, pcre2_match loop");
 #endif
     pair.With([](benchmark::internal::Benchmark* b) { b->Unit(benchmark::kMillisecond); })
         .Register();
@@ -163,5 +170,68 @@ template <int I> bool RegisterSearch() {
 
 const bool registered = RegisterSearch<0>() && RegisterSearch<1>() && RegisterSearch<2>() &&
                         RegisterSearch<3>() && RegisterSearch<4>();
+
+// Searches that a backtracking matcher without memory of what failed takes
+// exponential or polynomial time over, run once over a text of n letters a
+// that none of them matches.
+const Search kAdversarial[] = {
+    {"overlap", "(a|aa)+b", "(a|aa)+b", "alternatives that overlap, repeated; no match"},
+    {"wildcards", ".*.*.*b", ".*.*.*b", "three repeated wildcards; no match"},
+    {"nested", "(a+)+b", "(a+)+b", "a repetition inside a repetition; no match"},
+    {"lazy", ".@.@.@b", ".*?.*?.*?b", "three lazy wildcards; no match"},
+};
+
+const std::string& Letters(int64_t n) {
+    static std::string text;
+    if (text.size() != static_cast<size_t>(n)) text.assign(static_cast<size_t>(n), 'a');
+    return text;
+}
+
+template <int I> void KeelAdversarial(benchmark::State& state) {
+    SYS_SetCodePage(0);
+    const SYS_StrPattern pattern(kAdversarial[I].keel);
+    const std::string& text = Letters(state.range(0));
+    int at = 0, length = 0;
+    for (auto _ : state) benchmark::DoNotOptimize(at = pattern.Match(text.c_str(), &length));
+    if (at != -1) state.SkipWithError("keel found a match");
+}
+
+#if KEEL_BENCH_PCRE2
+// PCRE2's interpreter as it comes looks for the b that the pattern needs
+// before it tries anything, finds none and answers at once.  Without that
+// look-ahead (PCRE2_NO_START_OPTIMIZE) it backtracks, and gives up once it
+// has taken its match limit of steps (ten million by default); a row where
+// it gave up has no time.
+template <int I, uint32_t Options> void PcreAdversarial(benchmark::State& state) {
+    const Pcre2 re(kAdversarial[I].ecma, false, Options);
+    const std::string& text = Letters(state.range(0));
+    const auto subject = reinterpret_cast<PCRE2_SPTR>(text.data());
+    int rc = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(
+            rc = pcre2_match(re.code, subject, text.size(), 0, 0, re.data, nullptr));
+    if (rc != PCRE2_ERROR_NOMATCH) state.SkipWithError("PCRE2 gave up (match limit)");
+}
+#endif
+
+// std::regex is not run here: its matcher recurses once per character and
+// backtracks without limit, so on these texts it overflows the stack or runs
+// for hours.
+template <int I> bool RegisterAdversarial() {
+    Pair pair("pattern", kAdversarial[I].operation);
+    pair.Keel(KeelAdversarial<I>, kAdversarial[I].what);
+#if KEEL_BENCH_PCRE2
+    pair.Peer("pcre2-interp", PcreAdversarial<I, 0>,
+              "PCRE2 interpreter, one pcre2_match (looks for the b first)")
+        .Peer("pcre2-backtrack", PcreAdversarial<I, PCRE2_NO_START_OPTIMIZE>,
+              "PCRE2 interpreter without start-of-match optimisations");
+#endif
+    pair.With([](benchmark::internal::Benchmark* b) { b->Unit(benchmark::kMillisecond); })
+        .Register({256 << 10, 1 << 20, 4 << 20});
+    return true;
+}
+
+const bool adversarial = RegisterAdversarial<0>() && RegisterAdversarial<1>() &&
+                         RegisterAdversarial<2>() && RegisterAdversarial<3>();
 
 } // namespace

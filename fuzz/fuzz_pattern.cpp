@@ -4,7 +4,7 @@
 // checked against a plain recursive reading of the language (below), run
 // with a step budget so that its own blow-ups are skipped, not reported.
 // Input: a flag byte, the pattern, a zero byte, the text.
-//   build/fuzz/fuzz/fuzz_pattern -max_len=1100 -timeout=1 -max_total_time=600 \
+//   build/fuzz/fuzz/fuzz_pattern -max_len=1100 -timeout=1 -max_total_time=600
 //       /tmp/corpus fuzz/corpus/pattern
 #include <keel/SYS_CodePage.h>
 #include <keel/SYS_StrPattern.h>

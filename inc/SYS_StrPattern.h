@@ -7,10 +7,28 @@
 /// decodes the program once per call (each thread keeps the decoded form of
 /// the last program it ran, so a loop of calls with one pattern decodes it
 /// once), tries each start position in turn and backtracks on a heap stack,
-/// so no text is too long for it; repetitions that make no progress end, and
-/// a search that backtracks heavily remembers the outcome of each branch at
-/// each position (a cache of at most about 12 MB, given back when the call
-/// ends), which keeps it polynomial in the text length.
+/// so no text is too long for it; repetitions that make no progress end.
+///
+/// Time: for a given pattern, one Match or Substitute takes time linear in
+/// the length of the text, whatever the pattern holds (nested or lazy
+/// repetitions, repeated wildcards, alternatives that overlap) and whether
+/// or not the text matches.  A search that backtracks more than about 16
+/// steps per character starts remembering what each branch of the pattern
+/// gave at each position, and never works it out again; the results are
+/// the same either way.
+///
+/// Memory: besides the text and the decoded pattern (which the thread
+/// keeps; a few dozen bytes per pattern byte), what a call uses is given
+/// back when it ends.  Once a search remembers: 2 bits per text byte for
+/// each greedy repetition, for up to two per lazy one, and for each
+/// alternation or `?` that can be met more than once at one position; 4
+/// bytes per text byte more for each of those that succeeded somewhere in a
+/// block of 4096 positions (twice all that when the pattern holds a `^`);
+/// about 1 byte per text byte at most for whole numbers (`:z :h :n`).
+/// Repetitions keep the positions they have passed as runs of equal steps:
+/// a few words for a run of any length, 24 bytes per position at most when
+/// every step differs.  Against 8 MB of text that they do not match,
+/// `(a|aa)+b` needs 2 MB, `.*.*.*b` 6 MB and `(a+)+b` 36 MB.
 #ifndef SYS_STRPATTERN_H
 #define SYS_STRPATTERN_H
 

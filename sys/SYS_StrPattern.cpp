@@ -340,12 +340,15 @@ void SYS_StrPattern::MakePattern(const char* source) {
 }
 
 int SYS_StrPattern::Match(const char* text, int* length) const {
-    SYS_PatternMachine::ResetStats();
     int unused;
     if (!length) length = &unused;
     *length = 0;
-    if (program.IsEmpty() || !text || !*text) return -1;
+    if (program.IsEmpty() || !text || !*text) {
+        SYS_PatternMachine::ResetThreadStats();
+        return -1;
+    }
     SYS_PatternMachine& machine = MachineFor(program);
+    machine.ResetStats();
     size_t n = 0;
     const long at = machine.Find(text, 0, &n, true);
     machine.Trim();
@@ -355,7 +358,7 @@ int SYS_StrPattern::Match(const char* text, int* length) const {
 
 int SYS_StrPattern::Substitute(SYS_StringBase& target, const SYS_StringBase& replacement,
                                int maxCount) const {
-    SYS_PatternMachine::ResetStats();
+    SYS_PatternMachine::ResetThreadStats();
     if (maxCount < 0) return 0;
     // The text is read as the C text of GetBuffer(0), which leaves an empty
     // target with a length of 1.

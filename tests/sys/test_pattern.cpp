@@ -4,9 +4,14 @@
 #include <keel/SYS_StrPattern.h>
 #include "sys/internal/SYS_PatternMachine.h"
 
+// The fuzz target's independent matcher (class Reference), a plain recursive
+// reading of the language, judges the generated cases below.
+#include "fuzz/fuzz_pattern.cpp"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -55,8 +60,10 @@ TEST_F(Pattern, CompilesToByteProgram) {
         {"(ab)*", std::string("*\x06)cacbee")},
         {"a|", "|caee"},
         {"^a?", std::string("^?\002cae")},
-        {":d+:q", std::string("+\x02:dc:cqe")},  // :q names no class
-        {"$.\\t\\x41\\xa\\x4a", "$.c\tcAc1cqe"}, // the exact hexadecimal arithmetic
+        {":d+:q", std::string("+\x02:dc:cqe")},             // :q names no class
+        {"$.\\t\\x41\\xa\\x4a", "$.c\tcAc1cqe"},            // the exact hexadecimal arithmetic
+        {"\\b\\f\\n\\r\\*\\]\\\\", "c\bc\fc\nc\rc*c]c\\e"}, // escapes; metacharacters
+        {"[\\b\\f\\n\\r\\]\\-]", "[\006\b\f\n\r]-e"},       // ... also in sets
         {"[a-c][^-a][a-][c-a]", std::string("[\003abc]\002-a[\002a-[\001ce")},
         {"[a-cx-z]", std::string("[\006abcxyze")},
         {"[\xfd-\xff]", std::string("[\003\375\376\377e")},    // stops at 255
@@ -83,7 +90,8 @@ TEST_F(Pattern, InvalidPatternsCompileToNothing) {
          {std::string("a**"), std::string("ab)"), std::string("[abc"), std::string("^^a"),
           std::string("a^"), std::string("\\x0"), std::string("\\x00"), std::string("\\xg"),
           std::string("a\\"), std::string("(a|*)"), std::string("*a"), std::string("[a-"),
-          std::string(1 << 20, '('), std::string(200, '(') + "a" + std::string(200, ')') + "*"}) {
+          std::string("a]"), std::string("]"), std::string(1 << 20, '('),
+          std::string(200, '(') + "a" + std::string(200, ')') + "*"}) {
         SYS_StrPattern p(bad.c_str());
         EXPECT_TRUE(p.program.IsEmpty()) << bad.substr(0, 20);
         SYS_StringBase target("aaa");
@@ -200,14 +208,16 @@ TEST_F(Pattern, DoubleByteText) {
 // within a few hundred per character.
 TEST_F(Pattern, HeavyBacktrackingIsBounded) {
     const std::string as(1000, 'a');
-    std::string optional, alternatives;
+    std::string optional, alternatives, joined;
     for (int i = 0; i < 30; ++i) optional += "a?", alternatives += "(a|a)";
+    for (int i = 0; i < 12; ++i) joined += "(a|a)a";
     const struct {
         std::string pattern;
         int at;
     } cases[] = {
         {optional + std::string(30, 'a') + "b", -1},
         {alternatives + "b", -1},
+        {joined + "b", -1}, // each alternation is met twice, through the 'a' after a join
         {".*.*.*.*.*b", -1},
         {"(a*)*(a+)+(a@)@b", -1},
         {"(.|a)*(a|.)*$", 0},
@@ -225,6 +235,91 @@ TEST_F(Pattern, HeavyBacktrackingIsBounded) {
     SYS_StringBase target(as.c_str());
     EXPECT_EQ(SYS_StrPattern((alternatives + "b|").c_str()).Substitute(target, "", 0), 1000);
     EXPECT_LT(SYS_PatternLastStats().steps, 400000);
+}
+
+// Random patterns built of the constructs that make backtracking blow up
+// (nested and lazy repetitions, overlapping alternatives, wildcards, whole
+// numbers, '^' and '$') on random texts.  Half of them must end with a 'c'
+// that the text holds once, late: those searches fail at many start
+// positions first, and many of them start remembering outcomes half way.
+// Every Match agrees with the independent matcher, and every limited
+// Substitute with Match applied step by step.
+struct Random {
+    uint32_t seed;
+    uint32_t Next(uint32_t n) {
+        seed = seed * 1103515245u + 12345u;
+        return (seed >> 8) % n;
+    }
+};
+
+std::string RandomList(Random& r, int depth);
+
+std::string RandomAtom(Random& r, int depth) {
+    static const char* const atoms[] = {"a",  "a",  "a",  "b", ".", "[ab]", "[^b]",
+                                        ":d", ":z", ":n", "$", "1", "\\.",  "\x82"};
+    static const char* const postfix[] = {"", "", "?", "*", "+", "@", "#"};
+    const std::string atom =
+        depth > 0 && r.Next(3) == 0 ? "(" + RandomList(r, depth - 1) + ")" : atoms[r.Next(14)];
+    return atom + postfix[r.Next(7)];
+}
+
+std::string RandomList(Random& r, int depth) {
+    std::string list;
+    do {
+        if (!list.empty()) list += '|';
+        if (r.Next(10) == 0) list += '^';
+        for (uint32_t n = 1 + r.Next(3); n > 0; --n) list += RandomAtom(r, depth);
+    } while (r.Next(3) == 0);
+    return list;
+}
+
+TEST_F(Pattern, RememberingChangesNoResult) {
+    Random r{2024};
+    int checked = 0, remembered = 0;
+    for (int i = 0; i < 4000; ++i) {
+        g_DoubleByte = r.Next(4) == 0; // the independent matcher's code page
+        SYS_SetCodePage(g_DoubleByte ? 932 : 0);
+        std::string pattern = RandomList(r, 3);
+        static const char* const pieces[] = {"a", "a", "a", "a", "b", "1", "-", ".", "\x82\xa0"};
+        std::string text;
+        for (uint32_t n = 20 + r.Next(140); n > 0; --n)
+            text += pieces[r.Next(g_DoubleByte ? 9 : 8)];
+        if (r.Next(2) == 0) {
+            pattern = "(" + pattern + ")c";
+            text.insert(text.size() - r.Next(static_cast<uint32_t>(text.size() / 3)), "c");
+        }
+
+        const SYS_StrPattern pat(pattern.c_str());
+        if (pat.program.IsEmpty()) continue; // a lone lead byte took the next byte
+        int length = 0;
+        const int at = pat.Match(text.c_str(), &length);
+        const bool memo = SYS_PatternLastStats().memo > 0;
+        Reference reference(reinterpret_cast<Pc>(pat.program.GetString()),
+                            static_cast<size_t>(pat.program.GetLength()),
+                            reinterpret_cast<const unsigned char*>(text.c_str()));
+        long expectedLength = 0;
+        const long expected = reference.Find(&expectedLength);
+        if (reference.aborted) continue;
+        ++checked;
+        remembered += memo;
+        ASSERT_EQ(at, expected) << pattern << " in " << text;
+        ASSERT_EQ(length, at >= 0 ? expectedLength : 0) << pattern << " in " << text;
+
+        const int limit = 1 + static_cast<int>(r.Next(3));
+        SYS_StringBase target(text.c_str()), stepwise(text.c_str());
+        const int count = pat.Substitute(target, "-", limit);
+        int done = 0, pos = 0, n = 0;
+        for (int m; done < limit && (m = pat.Match(stepwise.GetBuffer(0) + pos, &n)) >= 0; ++done) {
+            stepwise = stepwise.Left(pos + m) + "-" + stepwise.Mid(pos + m + n);
+            pos += m + 1;
+        }
+        ASSERT_EQ(count, done) << pattern << " in " << text;
+        ASSERT_STREQ(target.GetString(), stepwise.GetString()) << pattern << " in " << text;
+    }
+    g_DoubleByte = false;
+    // Most cases are judged, and many of those remembered outcomes.
+    EXPECT_GT(checked, 3500);
+    EXPECT_GT(remembered, 500);
 }
 
 // An 8 MB text: repetitions keep their positions as runs, and the
@@ -249,6 +344,83 @@ TEST_F(Pattern, LongTextsKeepTheStackFlat) {
         EXPECT_LE(s.peakFrames, 8u) << c.pattern;
         EXPECT_LE(s.peakRuns, 2u) << c.pattern;
     }
+}
+
+// Whole numbers inside long runs of signs and digits, which the matcher
+// keeps once scanned: numbers tried at every position of a run agree with
+// the independent matcher (the scanners' own reading).
+TEST_F(Pattern, NumbersInLongRuns) {
+    Random r{7};
+    int checked = 0;
+    for (int i = 0; i < 40; ++i) {
+        std::string text;
+        while (text.size() < 150) {
+            const uint32_t k = r.Next(7);
+            text += k < 3 ? std::string(1 + r.Next(90), "-+-"[k]) : std::string(1, "7.ae"[k - 3]);
+        }
+        for (const char* pattern :
+             {".@:z:z", ".@:nx", "(.|:z)@a", ".*:h", ":n.@:n$", "(:z|-)*a", "..@:h+a", "-@:n"}) {
+            const SYS_StrPattern pat(pattern);
+            int length = 0;
+            const int at = pat.Match(text.c_str(), &length);
+            Reference reference(reinterpret_cast<Pc>(pat.program.GetString()),
+                                static_cast<size_t>(pat.program.GetLength()),
+                                reinterpret_cast<const unsigned char*>(text.c_str()));
+            long expectedLength = 0;
+            const long expected = reference.Find(&expectedLength);
+            if (reference.aborted) continue;
+            ++checked;
+            EXPECT_EQ(at, expected) << pattern << " in " << text;
+            EXPECT_EQ(length, at >= 0 ? expectedLength : 0) << pattern << " in " << text;
+        }
+    }
+    EXPECT_GT(checked, 250);
+    // A run scanned first from before its digit, then tried after it.
+    const std::string run = std::string(10, '-') + "7" + std::string(90, '-') + "y";
+    EXPECT_EQ(Find(":zx|7-:zy", run.c_str()).at, -1);
+}
+
+// Searches that take a backtracking matcher exponential or polynomial time
+// (overlapping alternatives, nested repetitions, repeated wildcards, lazy
+// ones, numbers) over texts that none of them matches: the steps per
+// character are the same at 32 KB and at 256 KB, and what is remembered
+// stays within its bits per character.  Then one at 4 MB.
+TEST_F(Pattern, AdversarialSearchesStayLinear) {
+    const struct {
+        const char* pattern;
+        char fill;
+        double memoBits; // per character
+    } cases[] = {
+        {"(a|aa)+b", 'a', 2.2},      {".*.*.*b", 'a', 6.5},
+        {"(a+)+b", 'a', 37},        // the inner repetition succeeds: its ends are kept
+        {".@.@.@b", 'a', 11},       // two lazy repetitions and three loops
+        {"((a|aa)*c)*x", 'a', 4.3}, // two greedy repetitions
+        {"(.|a)*(a|.)*b", 'a', 4.3}, {"x|^(a|aa)+b", 'a', 2.2},
+        {":z*x", '1', 2.2},          {"(:n|1)@x", '1', 4.3},
+    };
+    for (const auto& c : cases) {
+        double perChar[2];
+        for (int k = 0; k < 2; ++k) {
+            const std::string text(static_cast<size_t>(32 << (10 + 3 * k)), c.fill);
+            int n;
+            EXPECT_EQ(SYS_StrPattern(c.pattern).Match(text.c_str(), &n), -1) << c.pattern;
+            const SYS_PatternStats s = SYS_PatternLastStats();
+            perChar[k] = static_cast<double>(s.steps) / static_cast<double>(text.size());
+            // (At 256 KB, where whole pages of 4096 positions count little.)
+            const double memoBits = s.memo * 8192.0 / static_cast<double>(text.size());
+            if (k == 1) {
+                EXPECT_LE(memoBits, c.memoBits) << c.pattern;
+            }
+            EXPECT_LE(s.peakFrames, 8u) << c.pattern;
+        }
+        EXPECT_LT(perChar[1], 16) << c.pattern;
+        EXPECT_NEAR(perChar[1], perChar[0], 0.01 * perChar[0]) << c.pattern;
+    }
+    const std::string text(4 << 20, 'a');
+    int n;
+    EXPECT_EQ(SYS_StrPattern("(a|aa)+b").Match(text.c_str(), &n), -1);
+    EXPECT_LE(SYS_PatternLastStats().steps, 8 * static_cast<long long>(text.size()));
+    EXPECT_LE(SYS_PatternLastStats().memo, 1100); // KiB: 2 bits per character
 }
 
 // Runs `body` on a thread with a 256 KB stack, which a recursion over the
