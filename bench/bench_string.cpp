@@ -36,19 +36,21 @@ std::string Text(int64_t n, char last) {
 
 // --- Compare ----------------------------------------------------------------
 
-void KeelCompare(benchmark::State& state) {
+// `last` is the second text's last byte: 'y' makes the texts differ there,
+// 'x' makes them equal.
+template <char last> void KeelCompare(benchmark::State& state) {
     CodePage cp(0);
     const SYS_StringBase a(Text(state.range(0), 'x').c_str());
-    const SYS_StringBase b(Text(state.range(0), 'y').c_str());
+    const SYS_StringBase b(Text(state.range(0), last).c_str());
     for (auto _ : state) {
         int r = a.Compare(b);
         benchmark::DoNotOptimize(r);
     }
 }
 
-void StdCompare(benchmark::State& state) {
+template <char last> void StdCompare(benchmark::State& state) {
     const std::string a = Text(state.range(0), 'x');
-    const std::string b = Text(state.range(0), 'y');
+    const std::string b = Text(state.range(0), last);
     for (auto _ : state) {
         int r = a.compare(b);
         benchmark::DoNotOptimize(r);
@@ -146,8 +148,13 @@ int PlainStrcmp(const char* a, const char* b) { return std::strcmp(a, b); }
 
 [[maybe_unused]] const bool registered = [] {
     Pair("string", "compare")
-        .Keel(KeelCompare, "SYS_StringBase::Compare, code page 0, texts differing at the last byte")
-        .Peer("std", StdCompare, "std::string::compare", 1.2)
+        .Keel(KeelCompare<'y'>,
+              "SYS_StringBase::Compare, code page 0, texts differing at the last byte")
+        .Peer("std", StdCompare<'y'>, "std::string::compare", 1.2)
+        .Register({32});
+    Pair("string", "compare-equal")
+        .Keel(KeelCompare<'x'>, "SYS_StringBase::Compare, code page 0, equal texts")
+        .Peer("std", StdCompare<'x'>, "std::string::compare", 1.2)
         .Register({32});
     Pair("string", "format")
         .Keel(KeelFormat, "SYS_StringBase::Format(\"%s %d %f\")")

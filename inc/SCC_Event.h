@@ -19,7 +19,7 @@
 /// Costs: every link lives in the nodes and the delivery cursor lives on the
 /// stack, so attaching, detaching and delivering never allocate.  Detaching is
 /// O(1), Attach is linear in the chain length, delivery makes one virtual call
-/// per node.
+/// per node (a plain SCC_EventHook's callback is called directly instead).
 ///
 /// Delivery survives nodes leaving the chain while it runs: the event keeps a
 /// stack of cursors (one Saver per active, possibly nested, Notify) and moves a
@@ -35,8 +35,10 @@
 #define SCC_EVENT_H
 
 #include "keel_config.h"
+#include "internal/SCC_VirtualSlots.h"
 
 template <class T> class SCC_Event;
+template <class T> class SCC_EventHook;
 
 /// A link of an event chain, and the base of every listener.
 ///
@@ -227,11 +229,12 @@ public:
     int Notify(int code, T* data) {
         // A disabled event would push a cursor and pop it again untouched.
         if (!enabled) return 0;
+        const void* const* const hookTable = s_HookTable;
         Saver saver(this);
         do {
             Node* node = saver.root;
             if (node == this) break;
-            node->OnNotification(code, data);
+            Deliver(node, hookTable, code, data);
             node = saver.root;
             // A node that left a chain whose nodes name another root is not
             // seen leaving by this event: stop rather than spin on it.
@@ -263,6 +266,16 @@ public:
         enabled = enable;
         return previous;
     }
+
+private:
+    // The virtual table of a node of exactly SCC_EventHook<T>, set when the
+    // program starts (null before, and where tables cannot be read).
+    static const void* const* const s_HookTable;
+
+    // Calls node->OnNotification(code, data).  A node of exactly
+    // SCC_EventHook<T> gets its callback called directly, which is what its
+    // OnNotification does, sparing one indirect call.
+    static void Deliver(Node* node, const void* const* hookTable, int code, T* data);
 };
 
 /// A node that forwards its notifications to a free function and joins its
@@ -327,6 +340,26 @@ public:
         this->root = event;
     }
 };
+
+#if defined(SCC_VIRTUAL_SLOTS_READABLE)
+template <class T>
+const void* const* const SCC_Event<T>::s_HookTable = SCC_ExactVirtualTable<SCC_EventHook<T>>();
+#else
+template <class T> const void* const* const SCC_Event<T>::s_HookTable = nullptr;
+#endif
+
+template <class T>
+inline void SCC_Event<T>::Deliver(Node* node, const void* const* hookTable, int code, T* data) {
+#if defined(SCC_VIRTUAL_SLOTS_READABLE)
+    if (SCC_VirtualTableOf(*node) == hookTable) {
+        static_cast<SCC_EventHook<T>*>(node)->callback(code, data);
+        return;
+    }
+#else
+    (void)hookTable;
+#endif
+    node->OnNotification(code, data);
+}
 
 /// A hook that forwards its notifications to a member function of an object.
 ///

@@ -25,19 +25,22 @@
 /// Costs: Sort is an in-place quicksort, O(n log n) comparisons on average;
 /// FindItemPosition is O(log n) plus the length of the equal run; InsertSorted
 /// adds the O(n) move of Insert.  Sorting and searching give a shared array a
-/// private block first, as the writable accessor does.  A sortable array that
-/// is not subclassed sorts and searches its storage directly, calling its
-/// comparison function inline: 1 to 2 times std::sort and std::equal_range.
-/// A subclass goes through the virtual Comp and Swap for every step, several
-/// times slower.  Either way a comparison must not change the array.
+/// private block first, as the writable accessor does.  A sortable array
+/// whose Comp, Swap and ShortSort nobody overrides (a subclass that leaves
+/// them alone included) sorts and searches its storage directly, calling its
+/// comparison function inline: 1 to 2 times std::sort and std::equal_range;
+/// a sort object that overrides Compare adds one virtual call per
+/// comparison.  A subclass that overrides one of those three steps goes
+/// through the virtual Comp and Swap for every step, several times slower.
+/// Either way a comparison must not change the array.
 #ifndef SCC_SORTABLEARRAY_H
 #define SCC_SORTABLEARRAY_H
 
 #include "SCC_Array.h"
 #include "internal/SCC_QuickSort.h"
+#include "internal/SCC_VirtualSlots.h"
 
 #include <climits>
-#include <typeinfo>
 #include <type_traits>
 #include <utility>
 
@@ -138,6 +141,9 @@ public:
     /// (growing the array to take in an index out of bounds, and making a
     /// shared block private).  Returns 0 when no storage could be had.
     int Comp(long i, long j) override {
+        T* x = PrivateSlot(i);
+        T* y = PrivateSlot(j);
+        if (x && y) return Directed(Compare(*x, *y), this->m_Buffer->m_SortOrder);
         this->WritableSlot(static_cast<int>(j));
         T* a = this->WritableSlot(static_cast<int>(i));
         T* b = this->Slot(static_cast<int>(j)); // after i's access, which may move the block
@@ -148,6 +154,12 @@ public:
     /// Exchanges elements i and j, both taken through the writable accessor
     /// (which grows the array to take in an index out of bounds).
     void Swap(long i, long j) override {
+        T* x = PrivateSlot(i);
+        T* y = PrivateSlot(j);
+        if (x && y) {
+            if (x != y) std::swap(*x, *y);
+            return;
+        }
         this->WritableSlot(static_cast<int>(i));
         T* b = this->WritableSlot(static_cast<int>(j));
         T* a = this->Slot(static_cast<int>(i)); // after j's access, which may move the block
@@ -164,13 +176,17 @@ public:
     void Sort(long start, long count, int direction) override {
         Buffer* b = this->m_Buffer;
         if (count >= 2 && direction != 0 && b && start >= b->m_Lower &&
-            start + count <= b->m_Upper && typeid(*this) == typeid(SCC_SortableArray)) {
+            start + count <= b->m_Upper && OwnSortingSteps()) {
             b->m_SortOrder = direction; // before the block may be copied
             T* first = this->WritableSlot(static_cast<int>(start));
             if (first) {
                 const Comparer comp(*this);
                 if (comp.IsPlainAscending())
                     SortRun(first, start, count, PlainAscending(), direction);
+                else if (comp.IsFunctionAscending())
+                    SortRun(first, start, count, FunctionAscending{comp.Function()}, direction);
+                else if (comp.IsObjectAscending())
+                    SortRun(first, start, count, ObjectAscending{comp.Object()}, direction);
                 else
                     SortRun(first, start, count, comp, direction);
                 return;
@@ -251,6 +267,14 @@ public:
 private:
     using Buffer = typename Base::Buffer;
 
+    // The slot of index i when the writable accessor would have nothing to
+    // do (a private block holding i), else null.
+    T* PrivateSlot(long i) const {
+        const Buffer* b = this->m_Buffer;
+        if (!b || b->m_Count > 1 || i < b->m_Lower || i >= b->m_Upper) return nullptr;
+        return this->Slot(static_cast<int>(i));
+    }
+
     // The comparison result times a recorded direction, kept within int.
     static int Directed(long long c, long long order) {
         const long long r = c * order;
@@ -260,15 +284,25 @@ private:
         return Directed(c, this->m_Buffer ? this->m_Buffer->m_SortOrder : 1);
     }
 
+    // Whether Comp, Swap and ShortSort, the steps of the sorting engine, are
+    // this class's own (a derived class that overrides none of them
+    // qualifies): the sort may then run inline over the storage, making the
+    // comparisons and swaps the virtual ones would make.
+    bool OwnSortingSteps() const {
+        return SCC_SameOverriders<SCC_SortableArray>(*this, &SCC_SortableArray::Comp,
+                                                     &SCC_SortableArray::Swap,
+                                                     &SCC_SortableArray::ShortSort);
+    }
+
     // Comp's arithmetic on two elements, with the comparison in force and the
-    // block's direction looked up once: a comparison object of exactly
-    // SCC_Sort<T> is called through its function or the default order
+    // block's direction looked up once: a comparison object whose Compare is
+    // SCC_Sort<T>'s own is called through its function or the default order
     // inline, any other through its virtual Compare.
     class Comparer {
     public:
         explicit Comparer(SCC_SortableArray& array)
             : m_Sort(array.m_Sort.operator->()),
-              m_Exact(m_Sort && typeid(*m_Sort) == typeid(SCC_Sort<T>)),
+              m_Exact(m_Sort && SCC_SameOverriders<SCC_Sort<T>>(*m_Sort, &SCC_Sort<T>::Compare)),
               m_Function(m_Sort ? m_Sort->m_Function : nullptr),
               m_Order(array.m_Buffer ? array.m_Buffer->m_SortOrder : 1) {}
         int operator()(const T& a, const T& b) const {
@@ -279,8 +313,16 @@ private:
                 c = m_Sort->Compare(a, b);
             return Directed(c, m_Order);
         }
-        // The default order of exactly SCC_Sort<T>, ascending.
+        // The ascending direction leaves an int result as it is, so these
+        // cases need none of the tests above.
+        // The default order of SCC_Sort<T>'s own Compare.
         bool IsPlainAscending() const { return m_Exact && !m_Function && m_Order == 1; }
+        // The function of SCC_Sort<T>'s own Compare.
+        bool IsFunctionAscending() const { return m_Exact && m_Function && m_Order == 1; }
+        // A Compare of the comparison object's own.
+        bool IsObjectAscending() const { return !m_Exact && m_Sort && m_Order == 1; }
+        typename SCC_Sort<T>::Function Function() const { return m_Function; }
+        SCC_Sort<T>* Object() const { return m_Sort; }
 
     private:
         SCC_Sort<T>* m_Sort;
@@ -289,12 +331,20 @@ private:
         long long m_Order;
     };
 
-    // The default order in the ascending direction: what Comparer gives when
-    // IsPlainAscending, without its tests.
+    // What Comparer gives when IsPlainAscending, IsFunctionAscending or
+    // IsObjectAscending, without its tests.
     struct PlainAscending {
         int operator()(const T& a, const T& b) const {
             return SCC_DefaultCompare<T>::Compare(a, b);
         }
+    };
+    struct FunctionAscending {
+        typename SCC_Sort<T>::Function function;
+        int operator()(const T& a, const T& b) const { return function(a, b); }
+    };
+    struct ObjectAscending {
+        SCC_Sort<T>* sort;
+        int operator()(const T& a, const T& b) const { return sort->Compare(a, b); }
     };
 
     // The sorting engine's operations on storage whose first slot holds

@@ -292,8 +292,7 @@ public:
     int Compare(const SYS_StringBase& s) const {
         if (SYS_SingleByteCodePage)
             return SYS_CompareBytes(body.c_str(), s.body.c_str(),
-                                    (body.size() < s.body.size() ? body.size() : s.body.size()) +
-                                        1);
+                                    body.size() < s.body.size() ? body.size() : s.body.size());
         return CompareMultiByte(s.body.c_str());
     }
     /// As Compare, ignoring the case of the ASCII letters only: -1, 0 or 1.

@@ -24,6 +24,8 @@
 #include "SYS_Curve.h"
 #include "SYS_Geom.h"
 #include "keel_config.h"
+#include "internal/SYS_InlineApi.h"
+#include "internal/SYS_PointMap.h"
 
 /// Affine map of points, lengths, angles and arc sweeps; see SYS_Transform.h.
 /// The identity is a = e = 1, angleFactor = sweepFactor = scale = 1 and every
@@ -141,7 +143,15 @@ public:
     SYS_Transform operator-(SYS_Transform& o) const;
 
     /// Replaces *p by its image, each coordinate rounded; nothing for null.
+    /// Inline on x86-64, so that a loop over many points costs no call per
+    /// point.
+#if defined(SYS_POINTMAP_LANES)
+    KEEL_INLINE_API void Transform(SYS_Point* p) const {
+        if (p) SYS_MapPoint(a, b, c, d, e, f, p->x, p->y);
+    }
+#else
     void Transform(SYS_Point* p) const;
+#endif
     /// Images of count points in place (nothing for a null array or a count
     /// of 0 or less); each point gets exactly what Transform(&point) gives.
     void Transform(SYS_Point* points, int count) const;

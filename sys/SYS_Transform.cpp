@@ -272,20 +272,19 @@ SYS_Transform SYS_Transform::operator-(SYS_Transform& o) const {
 
 // ---- application ----
 
+#if defined(SYS_POINTMAP_LANES)
+// Hosts built while Transform(SYS_Point*) was out of line call this copy.
+KEEL_KEEP_INLINE(transformPoint, void (SYS_Transform::*)(SYS_Point*) const,
+                 &SYS_Transform::Transform);
+#else
 void SYS_Transform::Transform(SYS_Point* p) const {
-    if (!p) return;
-    const double x = p->x, y = p->y;
-    p->x = SYS_Round32(a * x + b * y + c);
-    p->y = SYS_Round32(d * x + e * y + f);
+    if (p) SYS_MapPoint(a, b, c, d, e, f, p->x, p->y);
 }
+#endif
 
 void SYS_Transform::Transform(SYS_Point* points, int count) const {
     if (!points) return;
-    for (int i = 0; i < count; ++i) {
-        const double x = points[i].x, y = points[i].y;
-        points[i].x = SYS_Round32(a * x + b * y + c);
-        points[i].y = SYS_Round32(d * x + e * y + f);
-    }
+    for (int i = 0; i < count; ++i) SYS_MapPoint(a, b, c, d, e, f, points[i].x, points[i].y);
 }
 
 SYS_Point SYS_Transform::Transform(const SYS_Point& p) const {

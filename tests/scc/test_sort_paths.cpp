@@ -3,10 +3,12 @@
 // that goes through the virtual Comp, Swap and ShortSort: the same order of
 // equal elements, the same comparisons, the same recorded direction.
 #include <keel/SCC_SortableArray.h>
+#include "internal/SCC_VirtualSlots.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -27,9 +29,28 @@ int ByKey(const Item& a, const Item& b) {
     return a.key - b.key;
 }
 
-// Any subclass takes the path through the virtual operations.
+// A subclass that overrides a sorting step takes the path through the
+// virtual operations; each of these counts the calls of the step it
+// overrides.
+long g_Steps[3] = {};
 struct Virtual : SCC_SortableArray<Item> {
     Virtual(int lo, int hi) : SCC_SortableArray<Item>(lo, hi) {}
+    int Comp(long i, long j) override { return ++g_Steps[0], SCC_SortableArray<Item>::Comp(i, j); }
+};
+struct OwnSwap : SCC_SortableArray<Item> {
+    OwnSwap(int lo, int hi) : SCC_SortableArray<Item>(lo, hi) {}
+    void Swap(long i, long j) override { ++g_Steps[1], SCC_SortableArray<Item>::Swap(i, j); }
+};
+struct OwnShortSort : SCC_SortableArray<Item> {
+    OwnShortSort(int lo, int hi) : SCC_SortableArray<Item>(lo, hi) {}
+    void ShortSort(long lo, long hi, int direction) override {
+        ++g_Steps[2], SCC_SortableArray<Item>::ShortSort(lo, hi, direction);
+    }
+};
+// One that overrides none of them sorts its storage directly.
+struct Plain : SCC_SortableArray<Item> {
+    Plain(int lo, int hi) : SCC_SortableArray<Item>(lo, hi) {}
+    int Granularity() override { return SCC_SortableArray<Item>::Granularity(); }
 };
 
 // A comparison object that is not exactly SCC_Sort<Item>.
@@ -85,13 +106,43 @@ TEST(SortPaths, DirectSortMatchesTheVirtualOneStepForStep) {
         for (unsigned seed = 1; seed <= 3; ++seed) {
             Outcome direct = SortWith<SCC_SortableArray<Item>>(
                 c.lo, c.n, c.start, c.count, c.direction, c.reversed, c.shared, seed);
-            Outcome virt = SortWith<Virtual>(c.lo, c.n, c.start, c.count, c.direction, c.reversed,
-                                             c.shared, seed);
-            EXPECT_EQ(direct.ids, virt.ids) << c.n << " " << c.direction << " seed " << seed;
-            EXPECT_EQ(direct.compares, virt.compares) << c.n << " " << c.direction;
-            EXPECT_EQ(direct.order, virt.order) << c.n << " " << c.direction;
+            std::fill(std::begin(g_Steps), std::end(g_Steps), 0);
+            const Outcome others[] = {SortWith<Virtual>(c.lo, c.n, c.start, c.count, c.direction,
+                                                        c.reversed, c.shared, seed),
+                                      SortWith<OwnSwap>(c.lo, c.n, c.start, c.count, c.direction,
+                                                        c.reversed, c.shared, seed),
+                                      SortWith<OwnShortSort>(c.lo, c.n, c.start, c.count,
+                                                             c.direction, c.reversed, c.shared,
+                                                             seed),
+                                      SortWith<Plain>(c.lo, c.n, c.start, c.count, c.direction,
+                                                      c.reversed, c.shared, seed)};
+            for (const Outcome& virt : others) {
+                EXPECT_EQ(direct.ids, virt.ids) << c.n << " " << c.direction << " seed " << seed;
+                EXPECT_EQ(direct.compares, virt.compares) << c.n << " " << c.direction;
+                EXPECT_EQ(direct.order, virt.order) << c.n << " " << c.direction;
+            }
+            for (long calls : g_Steps) EXPECT_GT(calls, 0) << c.n << " " << c.direction;
         }
     }
+}
+
+// The direct path is chosen by what a class overrides, not by its type.
+TEST(SortPaths, OnlyAnOverriddenStepLeavesTheDirectPath) {
+    using Array = SCC_SortableArray<Item>;
+    const auto direct = [](const Array& a) {
+        return SCC_SameOverriders<Array>(a, &Array::Comp, &Array::Swap);
+    };
+    EXPECT_TRUE(direct(Array(0, 1)));
+    EXPECT_TRUE(direct(Plain(0, 1)));
+    EXPECT_FALSE(direct(Virtual(0, 1)));
+    EXPECT_FALSE(direct(OwnSwap(0, 1)));
+    struct SameOrder : SCC_Sort<Item> {};
+    const auto inlineCompare = [](const SCC_Sort<Item>& s) {
+        return SCC_SameOverriders<SCC_Sort<Item>>(s, &SCC_Sort<Item>::Compare);
+    };
+    EXPECT_TRUE(inlineCompare(SCC_Sort<Item>()));
+    EXPECT_TRUE(inlineCompare(SameOrder()));
+    EXPECT_FALSE(inlineCompare(Reversed()));
 }
 
 // The equal-run search step by step as it is defined, over v[i - lower].
