@@ -299,8 +299,13 @@ TEST(ArrayAssertions, SitesReportTheirFileLineAndText) {
     EXPECT_EQ(it.OnNotification(1, nullptr), 0);
 
     // A sort with bad arguments reports and goes on, its comparisons growing
-    // the array through the writable access.
-    SCC_SortableArray<int> s(0, 5);
+    // the array through the writable access.  Int storage is not cleared:
+    // the whole block is set so that the slots taken in compare defined values.
+    struct Cleared : SCC_SortableArray<int> {
+        Cleared(int lo, int hi) : SCC_SortableArray<int>(lo, hi) {
+            std::fill_n(m_Buffer->m_Data, m_Buffer->m_AllocUpper - m_Buffer->m_AllocLower, 0);
+        }
+    } s(0, 5);
     for (int i = 0; i < 5; ++i) s[i] = 5 - i;
     s.Sort(0, 5, 0);
     s.Sort(1, 5, 1);
