@@ -83,9 +83,33 @@ nice -n 10 gcovr -r . --object-directory "$build" "${library[@]}" \
 
 python3 - "$report/summary.json" >"$report/summary.txt" <<'PY'
 import json
+import os
+import re
 import sys
 
 data = json.load(open(sys.argv[1]))
+
+# The families of the library, by the name of the source file.
+FAMILIES = [
+    ("strings, text, patterns",
+     r"SYS_(String|Mbcs|Scan|Numbers|Locale|CodePage|ByteCompare|StrPattern|PatternMachine)"),
+    ("assertions, resource texts", r"SSM|SYS_(Exception|Resource)"),
+    ("arrays, lists, hashing", r"SCC_(Array|SortableArray|QuickSort|VirtualSlots|List|Hash|Shared)"),
+    ("events, handles, filters", r"SCC_(Event|Handle\.)|SYS_StdInterface"),
+    ("variant, properties, collection", r"SCC_(Variant|Property|StdCollection|HandleIndex)"),
+    ("geometry", r"SYS_(Geom|Curve|Transform|Text|PointMap|Int32)"),
+    ("units", r"SYS_Convert"),
+    ("files, messages", r"SFM"),
+    ("drawing", r"UI_"),
+]
+
+
+def family(filename):
+    name = os.path.basename(filename)
+    for label, pattern in FAMILIES:
+        if re.match(pattern, name):
+            return label
+    return "other"
 
 
 def pct(covered, total):
@@ -97,15 +121,17 @@ def row(name, lc, lt, bc, bt):
 
 
 print("%-36s %-19s %-19s" % ("file", "     lines", "     branches"))
-folders = {}
+families = {}
 for f in sorted(data["files"], key=lambda f: f["filename"]):
     counts = (f["line_covered"], f["line_total"], f["branch_covered"], f["branch_total"])
     print(row(f["filename"], *counts))
-    top = f["filename"].split("/")[0]
-    folders[top] = [a + b for a, b in zip(folders.get(top, (0, 0, 0, 0)), counts)]
+    key = family(f["filename"])
+    families[key] = [a + b for a, b in zip(families.get(key, (0, 0, 0, 0)), counts)]
 print()
-for name, counts in sorted(folders.items()):
-    print(row(name + "/", *counts))
+print("%-36s %-19s %-19s" % ("family (with its inline code)", "     lines", "     branches"))
+for label in [label for label, _ in FAMILIES] + ["other"]:
+    if label in families:
+        print(row(label, *families[label]))
 total = (data["line_covered"], data["line_total"], data["branch_covered"], data["branch_total"])
 print(row("library", *total))
 lines = 100.0 * total[0] / total[1]
